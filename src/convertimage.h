@@ -1,0 +1,55 @@
+#pragma once
+
+class QImage;
+
+/// The projection engine: paints a photographed globe into an equirectangular map and re-centres that map.
+/// A plain value; construct one per conversion, set its parameters, then call the operations in the order
+/// convertImage, rotateImage, moveImage. No parameter is checked or clamped; every value has a defined
+/// result. Axes, formulas and the reason for each rounding: docs/projection.md.
+class ConvertImage
+{
+public:
+    /// Centre of the disc in the photograph, in pixels; y grows downwards. Any int; 0, 0 at construction.
+    void setCenter(int x, int y);
+    /// Radius of the disc in photograph pixels. Any int; 0 at construction.
+    void setRadius(int r);
+    /// Viewpoint to globe centre in globe radii: 1 is the surface, 100 practically a parallel projection.
+    /// 1 or less, and NaN, show nothing of the globe: no pixel is painted. 100 at construction.
+    void setDistance(double d);
+    /// Map columns for 360 degrees per photograph column, and map rows for 90 degrees per photograph row.
+    /// 2, 2 at construction.
+    void setOutputRatio(double rx, double ry);
+
+    /// Paints the visible cap into the upper half of a map: the disc centre becomes the top row, longitude -180
+    /// the rightmost column. Handles pending events after every row and ends with the debug line
+    /// "Convert error " and the number of samples that lay above the top of the map.
+    /// @param src  the photograph, Format_ARGB32; samples outside it leave their map pixel as it is
+    /// @param dst  the canvas, 32 bits with alpha; neither resized nor filled
+    void convertImage(QImage &src, QImage &dst);
+
+    /// Turns the whole sphere and resamples every pixel of the map.
+    /// @param axis   2 about the polar axis, 3 about the axis through longitude 0 on the equator,
+    ///               anything else about the axis through longitude 90
+    /// @param angle  whole degrees, any int
+    /// @param src    the map; height 0 does nothing
+    /// @param dst    at least as large; overwritten in the size of src, but for pixels whose direction in src
+    ///               has no longitude or lies outside src
+    void rotateImage(int axis, int angle, QImage &src, QImage &dst);
+
+    /// Turns the sphere about its polar axis: a cyclic shift of the columns.
+    /// @param angle  degrees, positive to the right. 360 is taken off (or put on) once when it is larger than
+    ///               360 (smaller than -360). A shift of less than one pixel draws nothing at all.
+    /// @param src    the map
+    /// @param dst    a transparent canvas of the same size; a null one stays as it is
+    void moveImage(double angle, QImage &src, QImage &dst);
+
+private:
+    double margin = 0.01; // safety margin at the visible edge, as a fraction of the rows of 90 degrees
+    double ratioX = 2.0;
+    double ratioY = 2.0;
+    double pi = 3.141592653589793;
+    double distance = 100.0;
+    int radius = 0;
+    int centerX = 0;
+    int centerY = 0;
+};

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <QPair>
+#include <QString>
+#include <QVariant>
+#include <QVector>
+
+#include <functional>
+#include <memory>
+
+class QSettings;
+
+/// Opens an ini file the way all our ini files are read: ini format, UTF-8. A file that is missing or cannot be
+/// read behaves as an empty one.
+std::unique_ptr<QSettings> openIniFile(const QString &path);
+
+/// Writes values into an ini file, in this order, keeping the keys that the file already holds. The file is
+/// afterwards the whole new one or, after any failure, the whole old one.
+/// Text is stored as plain UTF-8, characters beyond the basic plane included.
+/// @return whether the new file is complete on the disk
+bool writeIniFile(const QString &path, const QVector<QPair<QString, QVariant>> &values);
+
+/// One value of the settings file: its key, its default, and how it gets into and out of the program.
+struct Setting {
+    QString key;
+    QVariant defaultValue;                      ///< its type is the type of the value
+    std::function<QVariant()> value;            ///< the current value, for saving
+    std::function<void(const QVariant &)> take; ///< receives the file's value, or the default if the key is absent
+};
+
+/// A setting that is one variable of type T (bool, int, double, QString): converted as QVariant converts.
+template <typename T>
+Setting boundSetting(const char *key, const T &defaultValue, T &variable)
+{
+    return {QString::fromLatin1(key), QVariant::fromValue(defaultValue),
+            [&variable] { return QVariant::fromValue(variable); },
+            [&variable](const QVariant &value) { variable = value.value<T>(); }};
+}
+
+/// Reads every setting in order. No value is range-checked; a present key with an empty value is 0, false or
+/// the empty text.
+void loadSettings(const QString &path, const QVector<Setting> &settings);
+
+/// Writes every setting in order; see writeIniFile.
+bool saveSettings(const QString &path, const QVector<Setting> &settings);
