@@ -1,0 +1,20 @@
+#include "uitexts.h"
+
+#include "inifile.h"
+
+UiTexts::UiTexts(const QString &langFile, const QString &group, QMap<QString, QString> &messages)
+    : m_file(openIniFile(langFile)), m_messages(messages)
+{
+    m_file->beginGroup(group);
+}
+
+void UiTexts::message(const char *key, const char *builtInText)
+{
+    const QString text = value(key);
+    m_messages[QString::fromLatin1(key)] = text.isEmpty() ? QString::fromUtf8(builtInText) : text;
+}
+
+QString UiTexts::value(const char *key) const
+{
+    return m_file->value(QString::fromLatin1(key)).toString();
+}
