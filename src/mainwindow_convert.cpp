@@ -1,0 +1,183 @@
+// MainWindow: from the circle to the file: preview, conversion, saving, and the parameter files.
+
+#include "mainwindow.h"
+
+#include "inifile.h"
+#include "mapfile.h"
+#include "previewwindow.h"
+#include "ui_mainwindow.h"
+
+#include <QDebug>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QSettings>
+
+MapParameters MainWindow::mapParameters() const
+{
+    MapParameters parameters;
+    parameters.centerX = centerX;
+    parameters.centerY = centerY;
+    parameters.radius = radius;
+    parameters.distance = distance;
+    parameters.outputSizeX = outputSizeX;
+    parameters.outputSizeY = outputSizeY;
+    parameters.latitude = latitude;
+    parameters.longitude = longitude;
+    parameters.azimuth = azimuth;
+    return parameters;
+}
+
+QString MainWindow::getFormat() const
+{
+    return QString::fromLatin1(getFormatChar());
+}
+
+const char *MainWindow::getFormatChar() const
+{
+    return format == 1 ? "png" : "jpg";
+}
+
+// Events run while the chain does: a slot may load another photograph or start a conversion on top of this
+// one.
+QImage MainWindow::convertPhotograph(AzimuthCanvas azimuthCanvas)
+{
+    const QImage photograph = image;
+    const MapParameters parameters = mapParameters();
+    const OutputRatio ratio =
+        outputRatio(photograph.size(), {parameters.outputSizeX, parameters.outputSizeY});
+    ratioX = ratio.x;
+    ratioY = ratio.y;
+    return convertToMap(photograph, parameters, azimuthCanvas);
+}
+
+QImage MainWindow::convertImage()
+{
+    qDebug() << "convertImage";
+    if (image.isNull())
+        return {};
+    const QImage map = convertPhotograph(AzimuthCanvas::Transparent);
+    if (previewWindow->isVisible())
+        previewWindow->setImage(map);
+    return map;
+}
+
+void MainWindow::updatePreview()
+{
+    qDebug() << "updatePreview";
+    if (previewWindow->isVisible() && autoPreview)
+        convertImage();
+}
+
+void MainWindow::on_btnPreview_clicked()
+{
+    ui->actionPreview_Window->setChecked(true);
+    previewWindow->show();
+    qDebug() << "on_btnPreview_clicked";
+    convertImage();
+}
+
+void MainWindow::on_actionConvert_Save_triggered()
+{
+    on_btnConvert_clicked();
+}
+
+void MainWindow::on_btnConvert_clicked()
+{
+    qDebug() << "on_btnConvert_clicked";
+    if (image.isNull())
+        return;
+    updateParameter();
+    const QString name = ui->lineSaveFilename->text();
+    const QString path = QFileInfo(saveFileName).absolutePath() + '/' + name;
+    saveFileName = path;
+
+    QMessageBox box(this);
+    if (QFileInfo::exists(path)) {
+        box.setText(name + showString.value("overwrite_question"));
+        box.setWindowTitle(ui->btnConvert->text());
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        box.setDefaultButton(QMessageBox::No);
+        box.setIcon(QMessageBox::Warning);
+        if (box.exec() != QMessageBox::Yes)
+            return;
+    }
+
+    const QImage map = convertImage();
+    saveMap(map, path, getFormatChar(), quality);
+
+    // Shown whether or not the file could be written.
+    box.setText(path + showString.value("saved_file"));
+    box.setWindowTitle(ui->btnConvert->text());
+    box.setStandardButtons(QMessageBox::Ok);
+    box.setDefaultButton(QMessageBox::Ok);
+    box.setIcon(QMessageBox::Information);
+    box.exec();
+}
+
+void MainWindow::on_btnBrowse_clicked()
+{
+    QFileDialog dialog(this);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setNameFilter(showString.value("save_image_filter") + getFormat() + ')');
+    dialog.setDirectory(QFileInfo(saveFileName).absolutePath());
+    dialog.setWindowTitle(showString.value("save_image_title"));
+    if (dialog.exec() == 0 || dialog.selectedFiles().isEmpty())
+        return;
+    saveFileName = dialog.selectedFiles().first();
+    ui->lineSaveFilename->setText(QFileInfo(saveFileName).fileName());
+    ui->lineSaveFilename->setToolTip(saveFileName);
+}
+
+void MainWindow::on_actionSave_Param_triggered()
+{
+    writeParam();
+}
+
+void MainWindow::on_actionLoad_Param_triggered()
+{
+    readParam();
+}
+
+void MainWindow::writeParam()
+{
+    QFileDialog dialog(this);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setNameFilter(showString.value("inifile_filter"));
+    dialog.setDirectory(QFileInfo(loadFileName).absolutePath());
+    dialog.selectFile("OV_map_param");
+    dialog.setWindowTitle(showString.value("save_inifile"));
+    if (dialog.exec() == 0 || dialog.selectedFiles().isEmpty())
+        return;
+    const QString path = dialog.selectedFiles().first();
+    updateParameter(); // values that were typed but not yet applied
+    writeIniFile(path, {{"CenterX", centerX}, {"CenterY", centerY}, {"Radius", radius}});
+
+    QMessageBox box(this);
+    box.setText(path + showString.value("saved_file"));
+    box.setWindowTitle(showString.value("save_inifile_title"));
+    box.setStandardButtons(QMessageBox::Ok);
+    box.setDefaultButton(QMessageBox::Ok);
+    box.setIcon(QMessageBox::Information);
+    box.exec();
+}
+
+void MainWindow::readParam()
+{
+    QFileDialog dialog(this);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setNameFilter(showString.value("inifile_filter"));
+    dialog.setDirectory(QFileInfo(loadFileName).absolutePath());
+    dialog.setWindowTitle(showString.value("load_inifile"));
+    if (dialog.exec() == 0 || dialog.selectedFiles().isEmpty())
+        return;
+    const auto file = openIniFile(dialog.selectedFiles().first());
+    centerX = file->value("CenterX", 0).toInt();
+    centerY = file->value("CenterY", 0).toInt();
+    radius = file->value("Radius", 0).toInt();
+    updateScreenParameter();
+    updateSelect();
+}

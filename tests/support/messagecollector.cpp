@@ -1,0 +1,29 @@
+#include "messagecollector.h"
+
+namespace
+{
+
+QStringList collected;
+
+void collect(QtMsgType /*type*/, const QMessageLogContext & /*context*/, const QString &text)
+{
+    collected.append(text);
+}
+
+} // namespace
+
+MessageCollector::MessageCollector()
+{
+    collected.clear();
+    m_previous = qInstallMessageHandler(collect);
+}
+
+MessageCollector::~MessageCollector()
+{
+    qInstallMessageHandler(m_previous);
+}
+
+QStringList MessageCollector::messages() const
+{
+    return collected;
+}
