@@ -82,11 +82,12 @@ void ConvertImage::convertImage(QImage &src, QImage &dst)
     const double tangentToPixels = radius / std::tan(alpha);
     const RadialCorrection corrected(tangentToPixels);
 
-    // A first row that is no number lies beyond every last row.
     const int marginRows = low16(truncated(margin * (ratioY * sourceHeight)));
     const double firstRow = marginRows + edgeRows;
+    // From the surface, from inside and from behind nothing is seen, whatever the arc sine makes of it. A
+    // first row that is no number, or beyond every number of a row, lies beyond the last one.
+    const bool anyRow = distance > 1 && std::abs(firstRow) <= std::numeric_limits<int>::max();
     qint64 errors = 0;
-    const bool anyRow = std::abs(firstRow) <= std::numeric_limits<int>::max();
     for (qint64 k = anyRow ? truncated(firstRow) : 0;
          anyRow && k < std::numeric_limits<int>::max() && ratioY * sourceHeight - 1 >= static_cast<double>(k);
          ++k) {
@@ -154,8 +155,8 @@ void ConvertImage::rotateImage(int axis, int angle, QImage &src, QImage &dst)
             const double colatitude =
                 std::atan(turnedZ / std::sqrt(turnedX * turnedX + turnedY * turnedY)) / rad + 90;
             // A direction on the axis has no longitude: NaN, which truncates to a column outside the map.
-            copyPixel(src, truncated(longitude * (width - 1) / 360), truncated(colatitude * (height - 1) / 180),
-                      dst, x, y);
+            copyPixel(src, truncated(longitude * (width - 1) / 360),
+                      truncated(colatitude * (height - 1) / 180), dst, x, y);
         }
     }
 }

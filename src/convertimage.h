@@ -14,14 +14,15 @@ public:
     /// Radius of the disc in photograph pixels. Any int; 0 at construction.
     void setRadius(int r);
     /// Viewpoint to globe centre in globe radii: 1 is the surface, 100 practically a parallel projection.
-    /// 1 or less, and NaN, show nothing of the globe: no pixel is painted. 100 at construction.
+    /// 1 or less (negative ones too) and NaN show nothing of the globe: no pixel is painted. 100 at
+    /// construction.
     void setDistance(double d);
     /// Map columns for 360 degrees per photograph column, and map rows for 90 degrees per photograph row.
     /// 2, 2 at construction.
     void setOutputRatio(double rx, double ry);
 
-    /// Paints the visible cap into the upper half of a map: the disc centre becomes the top row, longitude -180
-    /// the rightmost column. Handles pending events after every row and ends with the debug line
+    /// Paints the visible cap into the upper half of a map: the disc centre becomes the top row, longitude
+    /// -180 the rightmost column. Handles pending events after every row and ends with the debug line
     /// "Convert error " and the number of samples that lay above the top of the map.
     /// @param src  the photograph, Format_ARGB32; samples outside it leave their map pixel as it is
     /// @param dst  the canvas, 32 bits with alpha; neither resized nor filled
@@ -39,7 +40,8 @@ public:
     /// Turns the sphere about its polar axis: a cyclic shift of the columns.
     /// @param angle  degrees, positive to the right. 360 is taken off (or put on) once when it is larger than
     ///               360 (smaller than -360). A shift of less than one pixel draws nothing at all.
-    /// @param src    the map
+    ///               NaN and infinities draw nothing.
+    /// @param src    the map, up to 32767 pixels a side: the painter leaves out what lies beyond
     /// @param dst    a transparent canvas of the same size; a null one stays as it is
     void moveImage(double angle, QImage &src, QImage &dst);
 

@@ -21,7 +21,7 @@ OutputRatio outputRatio(QSize photographSize, QSize outputSize)
             outputSize.height() * 0.5 / photographSize.height()};
 }
 
-QImage convertToMap(const QImage &photograph, const MapParameters &parameters, AzimuthCanvas azimuthCanvas)
+QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthCanvas azimuthCanvas)
 {
     if (photograph.isNull())
         return {};

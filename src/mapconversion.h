@@ -4,15 +4,15 @@
 
 /// Everything that turns a photograph into a finished map. Any value is allowed; none is clamped.
 struct MapParameters {
-    int centerX = 0; ///< disc centre, photograph pixels
-    int centerY = 0; ///< disc centre, photograph pixels, downwards
-    int radius = 0;  ///< disc radius, photograph pixels
-    double distance = 100.0;  ///< viewpoint to globe centre, globe radii
-    int outputSizeX = 2048;   ///< map width, pixels
-    int outputSizeY = 1024;   ///< map height, pixels
-    double latitude = 0.0;    ///< centre of the finished map, degrees; used in whole degrees, truncated
-    double longitude = 0.0;   ///< centre of the finished map, degrees
-    double azimuth = 0.0;     ///< turn about the disc centre, degrees
+    int centerX = 0;         ///< disc centre, photograph pixels
+    int centerY = 0;         ///< disc centre, photograph pixels, downwards
+    int radius = 0;          ///< disc radius, photograph pixels
+    double distance = 100.0; ///< viewpoint to globe centre, globe radii
+    int outputSizeX = 2048;  ///< map width, pixels
+    int outputSizeY = 1024;  ///< map height, pixels
+    double latitude = 0.0;   ///< centre of the finished map, degrees; used in whole degrees, truncated
+    double longitude = 0.0;  ///< centre of the finished map, degrees
+    double azimuth = 0.0;    ///< turn about the disc centre, degrees
 };
 
 /// What the azimuth step draws on. The batch run gives it no canvas: its result is then an empty map.
@@ -28,9 +28,10 @@ struct OutputRatio {
 OutputRatio outputRatio(QSize photographSize, QSize outputSize);
 
 /// The whole chain: globe to map, azimuth, latitude, longitude. Handles events while it runs; reads nothing
-/// but its arguments, so whatever an event changes does no harm.
-/// @param photograph  any format; null gives a null map
-/// @return a map of the output size, premultiplied 32 bits, transparent where nothing was painted; null when a
-///         canvas cannot be allocated (also for sizes of 0 or less) or the azimuth step had none
-QImage convertToMap(const QImage &photograph, const MapParameters &parameters,
+/// but its own copies of its arguments, so whatever an event changes does no harm.
+/// @param photograph  any format; null gives a null map; not read any more once events are handled
+/// @param parameters  any values; an azimuth or a longitude that is no number leaves the map blank
+/// @return a map of the output size, premultiplied 32 bits, transparent where nothing was painted; null
+///         when a canvas cannot be allocated (also for sizes of 0 or less) or the azimuth step had none
+QImage convertToMap(const QImage &photograph, MapParameters parameters,
                     AzimuthCanvas azimuthCanvas = AzimuthCanvas::Transparent);

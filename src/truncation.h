@@ -3,8 +3,8 @@
 #include <cstdint>
 
 /// Integer part of a double, toward zero, with a result for every input.
-/// @return the truncated value; -2147483648 for NaN and for everything whose integer part does not fit an int.
-///         The plain conversion is undefined there; this is what the x86-64 instruction answers.
+/// @return the truncated value; -2147483648 for NaN and for everything whose integer part fits no int. The
+///         plain conversion is undefined there; this is what the x86-64 instruction answers.
 constexpr int truncated(double value)
 {
     return value > -2147483649.0 && value < 2147483648.0 ? static_cast<int>(value) : INT32_MIN;
