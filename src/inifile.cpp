@@ -10,18 +10,19 @@
 #include <QTextCodec>
 
 #include <algorithm>
+#include <new>
 
 namespace
 {
 
 /// UTF-8 for QSettings, which hands a text over in pieces without any state: when writing, one UTF-16 unit at
-/// a time. The toolkit's own UTF-8 codec drops both halves of a character beyond the basic plane there, and
-/// when reading it takes a U+FEFF at the start of a piece for a byte order mark.
+/// a time. The toolkit's own codec would drop both halves of a character beyond the basic plane, and would
+/// take a U+FEFF at the start of a piece for a byte order mark.
 class IniCodec : public QTextCodec
 {
 public:
     QByteArray name() const override { return "ovmic-ini-text"; }
-    int mibEnum() const override { return -20102; } // of nobody else
+    int mibEnum() const override { return -20102; } // nobody else's number
 
 protected:
     QString convertToUnicode(const char *bytes, int length, ConverterState *) const override
@@ -30,18 +31,17 @@ protected:
         return m_utf8->toUnicode(bytes, length, &state);
     }
 
-    /// Keeps the first half of a surrogate pair until the second one arrives.
+    /// Keeps the first half of a surrogate pair until the second one arrives. A half that stands alone has no
+    /// UTF-8 form and is left out.
     QByteArray convertFromUnicode(const QChar *units, int length, ConverterState *) const override
     {
         QString text;
         for (int i = 0; i < length; ++i) {
-            if (units[i].isHighSurrogate()) {
-                m_firstHalf = units[i];
-                continue;
-            }
-            if (units[i].isLowSurrogate())
-                text += m_firstHalf;
-            text += units[i];
+            if (units[i].isLowSurrogate() && !m_firstHalf.isNull())
+                text.append(m_firstHalf).append(units[i]);
+            else if (!units[i].isSurrogate())
+                text.append(units[i]);
+            m_firstHalf = units[i].isHighSurrogate() ? units[i] : QChar();
         }
         return text.toUtf8();
     }
@@ -74,52 +74,53 @@ bool readFile(const QString &path, QByteArray &contents)
     return file.error() == QFile::NoError;
 }
 
-/// Opens a copy of an ini file under a name that QSettings has never seen: it would answer for a known name
-/// from its cache, with the values as they were written, or with old ones when only size and time stayed the
-/// same.
-/// @return null when there is no room for the copy
-std::unique_ptr<QSettings> openFreshCopy(const QByteArray &contents)
+/// Opens QSettings on an ini file of these contents in the folder, under a name that QSettings has never
+/// seen: for a known name it answers from its cache, with the values as they were written, or with old ones
+/// when size and time are still the same.
+/// @return null when there is no room for the file
+std::unique_ptr<QSettings> openFresh(const QTemporaryDir &folder, const QByteArray &contents)
 {
-    const QTemporaryDir folder; // QSettings reads the file at once: the copy need not last
-    const QString copy = folder.filePath(QStringLiteral("copy.ini"));
-    return replaceFile(copy, contents, ReadOnlyFolder::Refuse) ? settingsAt(copy) : nullptr;
+    const QString path = folder.filePath(QStringLiteral("fresh.ini"));
+    const bool written = folder.isValid() && replaceFile(path, contents, ReadOnlyFolder::Refuse);
+    return written ? settingsAt(path) : nullptr;
 }
 
-/// The text as UTF-8 can hold it: a half of a surrogate pair that stands alone becomes U+FFFD.
-QString storableText(QString text)
+/// Makes QSettings take every value apart. @return false if one of them asks for more memory than there is,
+/// which a damaged "@Variant(...)" can do
+bool isReadable(const QSettings &settings)
 {
-    for (int i = 0; i < text.size(); ++i) {
-        if (text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate())
-            ++i;
-        else if (text.at(i).isSurrogate())
-            text[i] = QChar::ReplacementCharacter;
+    try {
+        settings.allKeys();
+        return true;
+    } catch (const std::bad_alloc &) {
+        return false;
     }
-    return text;
 }
 
-QVariant storable(const QVariant &value)
+/// What the ini file keeps of a value, whatever type it comes back as.
+QByteArray storedForm(const QVariant &value)
 {
-    return value.type() == QVariant::String ? storableText(value.toString()) : value;
+    if (value.type() == QVariant::ByteArray)
+        return value.toByteArray();
+    const bool list = value.type() == QVariant::StringList || value.type() == QVariant::List;
+    return iniCodec()->fromUnicode(list ? value.toStringList().join(QChar::Null) : value.toString());
 }
 
-bool isList(const QVariant &value)
+/// A damaged file can hold keys that QSettings lists but cannot look up: those with an empty part between
+/// slashes. It writes them under other names.
+bool canBeLookedUp(const QString &key)
 {
-    return value.type() == QVariant::StringList || value.type() == QVariant::List;
+    return !key.split(u'/').contains(QString());
 }
 
-bool sameValue(const QVariant &meant, const QVariant &read)
-{
-    if (isList(meant) || isList(read))
-        return meant.toStringList() == read.toStringList();
-    return meant.toByteArray() == read.toByteArray();
-}
-
-bool sameValues(const QSettings &meant, const QSettings &read)
+/// @return whether everything that is in the one is in the other, with the same value
+bool holdsAll(const QSettings &file, const QSettings &meant)
 {
     const QStringList keys = meant.allKeys();
-    return read.allKeys() == keys && std::all_of(keys.cbegin(), keys.cend(), [&](const QString &key) {
-               return sameValue(meant.value(key), read.value(key));
-           });
+    return std::all_of(keys.cbegin(), keys.cend(), [&](const QString &key) {
+        return !canBeLookedUp(key) ||
+               (file.contains(key) && storedForm(file.value(key)) == storedForm(meant.value(key)));
+    });
 }
 
 /// The ini file's contents with the values written into them.
@@ -128,18 +129,18 @@ bool sameValues(const QSettings &meant, const QSettings &read)
 QByteArray withValues(const QByteArray &contents, const QVector<QPair<QString, QVariant>> &values)
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("new.ini"));
-    if (!replaceFile(path, contents, ReadOnlyFolder::Refuse))
+    const auto settings = openFresh(folder, contents);
+    if (!settings || !isReadable(*settings))
         return {};
-    const auto settings = settingsAt(path);
     for (const auto &[key, value] : values)
-        settings->setValue(key, storable(value));
+        settings->setValue(key, value);
     settings->sync();
     QByteArray written;
-    if (!readFile(path, written))
+    if (!readFile(settings->fileName(), written))
         return {};
-    const auto readBack = openFreshCopy(written);
-    return readBack && sameValues(*settings, *readBack) ? written : QByteArray();
+    const QTemporaryDir secondFolder;
+    const auto readBack = openFresh(secondFolder, written);
+    return readBack && holdsAll(*readBack, *settings) ? written : QByteArray();
 }
 
 } // namespace
@@ -149,8 +150,11 @@ std::unique_ptr<QSettings> openIniFile(const QString &path)
     QByteArray contents;
     if (!readFile(path, contents))
         contents.clear();
-    auto copy = openFreshCopy(contents);
-    return copy ? std::move(copy) : settingsAt(path);
+    const QTemporaryDir folder; // QSettings reads the whole file at once: the copy need not last
+    auto settings = openFresh(folder, contents);
+    if (!settings)
+        settings = settingsAt(path);
+    return isReadable(*settings) ? std::move(settings) : settingsAt(QString());
 }
 
 bool writeIniFile(const QString &path, const QVector<QPair<QString, QVariant>> &values)
