@@ -1,9 +1,14 @@
 #include "replacefile.h"
 
 #include <QByteArray>
+#include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
 #include <QString>
+#include <QUuid>
+
+#include <cstdio>
 
 namespace
 {
@@ -18,6 +23,39 @@ QString linkTarget(const QString &path)
     return file.filePath();
 }
 
+bool writeWhole(const QString &path, const QByteArray &contents, bool inPlaceIfNeeded)
+{
+    QSaveFile file(path);
+    file.setDirectWriteFallback(inPlaceIfNeeded);
+    // The explicit flush matters: on a full disk commit() alone reports success and leaves a cut file.
+    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() && file.flush() &&
+           file.commit();
+}
+
+/// QSaveFile first writes a file whose name is 7 bytes longer, and no file system here takes more than 255.
+bool isTooLongForQSaveFile(const QString &fileName)
+{
+    return QFile::encodeName(fileName).size() > 255 - 7;
+}
+
+/// The same under a short name in the same folder, which then takes the place of the long one.
+bool replaceLongNamed(const QFileInfo &target, const QByteArray &contents)
+{
+    if (target.exists() && !target.isWritable())
+        return false;
+    const QString id = QUuid::createUuid().toString(QUuid::Id128);
+    const QString shortNamed = target.dir().filePath(QStringLiteral("ovmic-") + id);
+    if (!writeWhole(shortNamed, contents, false))
+        return false;
+    const bool replaced =
+        (!target.exists() || QFile::setPermissions(shortNamed, target.permissions())) &&
+        std::rename(QFile::encodeName(shortNamed).constData(),
+                    QFile::encodeName(target.filePath()).constData()) == 0; // QFile::rename never overwrites
+    if (!replaced)
+        QFile::remove(shortNamed);
+    return replaced;
+}
+
 } // namespace
 
 bool replaceFile(const QString &path, const QByteArray &contents, ReadOnlyFolder readOnlyFolder)
@@ -25,9 +63,7 @@ bool replaceFile(const QString &path, const QByteArray &contents, ReadOnlyFolder
     const QFileInfo target(linkTarget(path));
     if (target.isSymLink() || (target.exists() && !target.isFile()))
         return false;
-    QSaveFile file(target.filePath());
-    file.setDirectWriteFallback(readOnlyFolder == ReadOnlyFolder::WriteInPlace);
-    // The explicit flush matters: on a full disk commit() alone reports success and leaves a cut file.
-    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() && file.flush() &&
-           file.commit();
+    if (isTooLongForQSaveFile(target.fileName()))
+        return replaceLongNamed(target, contents);
+    return writeWhole(target.filePath(), contents, readOnlyFolder == ReadOnlyFolder::WriteInPlace);
 }

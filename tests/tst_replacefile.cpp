@@ -1,0 +1,376 @@
+#include "replacefile.h"
+
+#include "faults.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+
+Q_DECLARE_METATYPE(ReadOnlyFolder)
+
+namespace
+{
+
+const QByteArray oldContents = "the old contents";
+
+bool put(const QString &path, const QByteArray &contents)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
+}
+
+QByteArray contentsOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be opened)");
+}
+
+QStringList entries(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+}
+
+mode_t modeOf(const QString &path)
+{
+    struct stat status = {};
+    return stat(QFile::encodeName(path).constData(), &status) == 0 ? status.st_mode & 07777 : 0;
+}
+
+void bothModes()
+{
+    QTest::addColumn<ReadOnlyFolder>("mode");
+    QTest::newRow("refuse") << ReadOnlyFolder::Refuse;
+    QTest::newRow("write in place") << ReadOnlyFolder::WriteInPlace;
+}
+
+} // namespace
+
+class TestReplaceFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void contentsArrive_data();
+    void contentsArrive();
+    void permissionsAreKept_data();
+    void permissionsAreKept();
+    void newFileFollowsUmask();
+    void linkIsFollowed_data();
+    void linkIsFollowed();
+    void ringOfLinksIsRefused();
+    void impossibleTargetIsRefused_data();
+    void impossibleTargetIsRefused();
+    void pipeIsRefused();
+    void longestFileName_data();
+    void longestFileName();
+    void fullDiskLeavesOldFile_data();
+    void fullDiskLeavesOldFile();
+    void fullSmallDiskLeavesOldFile();
+    void readOnlyFolder_data();
+    void readOnlyFolder();
+    void readOnlyFolderWithoutFile_data();
+    void readOnlyFolderWithoutFile();
+    void readOnlyFile_data();
+    void readOnlyFile();
+    void killedProcessLeavesWholeFile();
+
+private:
+    QString in(const char *name) const { return m_folder->filePath(QString::fromUtf8(name)); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void TestReplaceFile::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+}
+
+void TestReplaceFile::cleanup()
+{
+    m_folder.reset();
+}
+
+void TestReplaceFile::contentsArrive_data()
+{
+    QTest::addColumn<bool>("exists");
+    QTest::addColumn<QByteArray>("contents");
+    QByteArray large(3000000, '\0');
+    for (int i = 0; i < large.size(); ++i)
+        large[i] = static_cast<char>(i * 7);
+    QTest::newRow("new file") << false << QByteArray("abc");
+    QTest::newRow("new empty file") << false << QByteArray();
+    QTest::newRow("shorter than the old file") << true << QByteArray("abc");
+    QTest::newRow("empty over the old file") << true << QByteArray();
+    QTest::newRow("3 MB with zero bytes") << true << large;
+}
+
+void TestReplaceFile::contentsArrive()
+{
+    QFETCH(bool, exists);
+    QFETCH(QByteArray, contents);
+    const QString path = in("地図 𠮷.jpg");
+    if (exists)
+        QVERIFY(put(path, oldContents));
+    QVERIFY(replaceFile(path, contents, ReadOnlyFolder::Refuse));
+    QCOMPARE(contentsOf(path), contents);
+    QCOMPARE(entries(m_folder->path()), QStringList{QString::fromUtf8("地図 𠮷.jpg")});
+}
+
+void TestReplaceFile::permissionsAreKept_data()
+{
+    QTest::addColumn<uint>("mode");
+    for (const uint mode : {0600U, 0640U, 0644U, 0666U, 0755U})
+        QTest::addRow("%o", mode) << mode;
+}
+
+void TestReplaceFile::permissionsAreKept()
+{
+    QFETCH(uint, mode);
+    const QString path = in("map.jpg");
+    QVERIFY(put(path, oldContents));
+    QCOMPARE(chmod(QFile::encodeName(path).constData(), mode), 0);
+    QVERIFY(replaceFile(path, "new", ReadOnlyFolder::Refuse));
+    QCOMPARE(modeOf(path), mode);
+}
+
+void TestReplaceFile::newFileFollowsUmask()
+{
+    const mode_t before = umask(027);
+    const bool replaced = replaceFile(in("map.jpg"), "new", ReadOnlyFolder::Refuse);
+    umask(before);
+    QVERIFY(replaced);
+    QCOMPARE(modeOf(in("map.jpg")), mode_t(0640));
+}
+
+void TestReplaceFile::linkIsFollowed_data()
+{
+    QTest::addColumn<QStringList>("links"); // each one points at the next, the last one at the file
+    QTest::addColumn<bool>("exists");
+    const QString folder = QStringLiteral("folder/");
+    QTest::newRow("one link") << QStringList{"first", folder + "file"} << true;
+    QTest::newRow("a chain of links") << QStringList{"first", "second", "third", folder + "file"} << true;
+    QTest::newRow("a link to a file that is not there yet") << QStringList{"first", folder + "file"} << false;
+    QTest::newRow("a chain to a file that is not there yet")
+        << QStringList{"first", "second", folder + "file"} << false;
+}
+
+void TestReplaceFile::linkIsFollowed()
+{
+    QFETCH(QStringList, links);
+    QFETCH(bool, exists);
+    const QDir folder(m_folder->path());
+    QVERIFY(folder.mkdir(QStringLiteral("folder")));
+    const QString file = folder.filePath(links.last());
+    if (exists)
+        QVERIFY(put(file, oldContents));
+    for (int i = 0; i + 1 < links.size(); ++i) // relative links, as people make them
+        QCOMPARE(symlink(QFile::encodeName(links[i + 1]).constData(),
+                         QFile::encodeName(folder.filePath(links[i])).constData()),
+                 0);
+    QVERIFY(replaceFile(folder.filePath(links.first()), "new", ReadOnlyFolder::Refuse));
+    for (int i = 0; i + 1 < links.size(); ++i)
+        QVERIFY(QFileInfo(folder.filePath(links[i])).isSymLink());
+    QVERIFY(!QFileInfo(file).isSymLink());
+    QCOMPARE(contentsOf(file), QByteArray("new"));
+    QCOMPARE(entries(folder.filePath("folder")), QStringList{"file"});
+}
+
+void TestReplaceFile::ringOfLinksIsRefused()
+{
+    QCOMPARE(symlink("b", QFile::encodeName(in("a")).constData()), 0);
+    QCOMPARE(symlink("a", QFile::encodeName(in("b")).constData()), 0);
+    QVERIFY(!replaceFile(in("a"), "new", ReadOnlyFolder::WriteInPlace));
+    QCOMPARE(entries(m_folder->path()), (QStringList{"a", "b"}));
+    QVERIFY(QFileInfo(in("a")).isSymLink());
+}
+
+void TestReplaceFile::impossibleTargetIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("a folder") << "folder";
+    QTest::newRow("a folder, with a slash") << "folder/";
+    QTest::newRow("a link to a folder") << "link";
+    QTest::newRow("in a folder that is not there") << "missing/map.jpg";
+    QTest::newRow("below a file") << "file/map.jpg";
+    QTest::newRow("a name that is too long") << QString(256, 'x');
+}
+
+void TestReplaceFile::impossibleTargetIsRefused()
+{
+    QFETCH(QString, name);
+    QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("folder")));
+    QVERIFY(put(in("folder/inside"), oldContents));
+    QVERIFY(put(in("file"), oldContents));
+    QVERIFY(QFile::link(in("folder"), in("link")));
+    for (const auto mode : {ReadOnlyFolder::Refuse, ReadOnlyFolder::WriteInPlace})
+        QVERIFY(!replaceFile(m_folder->filePath(name), "new", mode));
+    QCOMPARE(entries(m_folder->path()), (QStringList{"file", "folder", "link"}));
+    QCOMPARE(entries(in("folder")), QStringList{"inside"});
+    QCOMPARE(contentsOf(in("file")), oldContents);
+    QVERIFY(!replaceFile(QString(), "new", ReadOnlyFolder::WriteInPlace));
+}
+
+void TestReplaceFile::pipeIsRefused()
+{
+    QCOMPARE(mkfifo(QFile::encodeName(in("pipe")).constData(), 0600), 0);
+    for (const auto mode : {ReadOnlyFolder::Refuse, ReadOnlyFolder::WriteInPlace})
+        QVERIFY(!replaceFile(in("pipe"), "new", mode));
+    struct stat status = {};
+    QCOMPARE(stat(QFile::encodeName(in("pipe")).constData(), &status), 0);
+    QVERIFY(S_ISFIFO(status.st_mode));
+}
+
+void TestReplaceFile::longestFileName_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("248 bytes") << QString(248, 'x');
+    QTest::newRow("249 bytes") << QString(249, 'x');
+    QTest::newRow("255 bytes") << QString(255, 'x');
+    QTest::newRow("85 kana of 3 bytes") << QString(85, QChar(0x3042));
+}
+
+void TestReplaceFile::longestFileName()
+{
+    QFETCH(QString, name);
+    const QString path = m_folder->filePath(name);
+    QVERIFY(put(path, oldContents));
+    QCOMPARE(chmod(QFile::encodeName(path).constData(), 0640), 0);
+    QVERIFY(replaceFile(path, "new", ReadOnlyFolder::Refuse));
+    QCOMPARE(contentsOf(path), QByteArray("new"));
+    QCOMPARE(modeOf(path), mode_t(0640));
+    QCOMPARE(entries(m_folder->path()), QStringList{name});
+    QCOMPARE(withFileSizeLimit(2, [&] { return replaceFile(path, "newer", ReadOnlyFolder::Refuse); }),
+             Answer::No);
+    QCOMPARE(contentsOf(path), QByteArray("new"));
+    QCOMPARE(entries(m_folder->path()), QStringList{name});
+}
+
+void TestReplaceFile::fullDiskLeavesOldFile_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("room");
+    QTest::newRow("no room for a small file") << 100 << 0;
+    QTest::newRow("one byte short of a small file") << 100 << 99;
+    QTest::newRow("one byte short of the write buffer") << 16384 << 16383;
+    QTest::newRow("no room for a large file") << 1000000 << 0;
+    QTest::newRow("half the room for a large file") << 1000000 << 500000;
+    QTest::newRow("one byte short of a large file") << 1000000 << 999999;
+}
+
+void TestReplaceFile::fullDiskLeavesOldFile()
+{
+    QFETCH(int, size);
+    QFETCH(int, room);
+    const QString path = in("map.jpg");
+    QVERIFY(put(path, oldContents));
+    const QByteArray contents(size, 'n');
+    for (const auto mode : {ReadOnlyFolder::Refuse, ReadOnlyFolder::WriteInPlace}) {
+        const auto replace = [&] { return replaceFile(path, contents, mode); };
+        QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(room), replace), Answer::No);
+        QCOMPARE(contentsOf(path), oldContents);
+        QCOMPARE(entries(m_folder->path()), QStringList{"map.jpg"});
+    }
+    const auto replace = [&] { return replaceFile(path, contents, ReadOnlyFolder::Refuse); };
+    QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(size), replace), Answer::Yes);
+    QCOMPARE(contentsOf(path), contents);
+}
+
+void TestReplaceFile::fullSmallDiskLeavesOldFile()
+{
+    const SmallDisk disk(m_folder->path(), "64k");
+    if (!disk.isMounted()) {
+        qInfo("only the file size limit was tested: no small disk can be mounted here");
+        return;
+    }
+    qInfo("tested on a mounted small disk too");
+    const QString path = in("map.jpg");
+    QVERIFY(put(path, oldContents));
+    for (const int size : {61441, 65536, 1000000}) {
+        QVERIFY(!replaceFile(path, QByteArray(size, 'n'), ReadOnlyFolder::WriteInPlace));
+        QCOMPARE(contentsOf(path), oldContents);
+        QCOMPARE(entries(m_folder->path()), QStringList{"map.jpg"});
+    }
+    QVERIFY(replaceFile(path, QByteArray(40000, 'n'), ReadOnlyFolder::WriteInPlace));
+    QCOMPARE(contentsOf(path), QByteArray(40000, 'n'));
+}
+
+void TestReplaceFile::readOnlyFolder_data()
+{
+    bothModes();
+}
+
+void TestReplaceFile::readOnlyFolder()
+{
+    QFETCH(ReadOnlyFolder, mode);
+    const QString path = in("map.jpg");
+    QVERIFY(put(path, oldContents));
+    QVERIFY(handOver({path, m_folder->path()}));
+    QCOMPARE(chmod(QFile::encodeName(m_folder->path()).constData(), 0555), 0);
+    const Answer answer = asOrdinaryUser([&] { return replaceFile(path, "new", mode); });
+    QCOMPARE(chmod(QFile::encodeName(m_folder->path()).constData(), 0700), 0);
+    const bool written = mode == ReadOnlyFolder::WriteInPlace;
+    QCOMPARE(answer, written ? Answer::Yes : Answer::No);
+    QCOMPARE(contentsOf(path), written ? QByteArray("new") : oldContents);
+    QCOMPARE(entries(m_folder->path()), QStringList{"map.jpg"});
+}
+
+void TestReplaceFile::readOnlyFolderWithoutFile_data()
+{
+    bothModes();
+}
+
+void TestReplaceFile::readOnlyFolderWithoutFile()
+{
+    QFETCH(ReadOnlyFolder, mode);
+    QVERIFY(handOver({m_folder->path()}));
+    QCOMPARE(chmod(QFile::encodeName(m_folder->path()).constData(), 0555), 0);
+    const Answer answer = asOrdinaryUser([&] { return replaceFile(in("map.jpg"), "new", mode); });
+    QCOMPARE(chmod(QFile::encodeName(m_folder->path()).constData(), 0700), 0);
+    QCOMPARE(answer, Answer::No);
+    QCOMPARE(entries(m_folder->path()), QStringList());
+}
+
+void TestReplaceFile::readOnlyFile_data()
+{
+    bothModes();
+}
+
+void TestReplaceFile::readOnlyFile()
+{
+    QFETCH(ReadOnlyFolder, mode);
+    const QString path = in("map.jpg");
+    QVERIFY(put(path, oldContents));
+    QCOMPARE(chmod(QFile::encodeName(path).constData(), 0444), 0);
+    QVERIFY(handOver({path, m_folder->path()}));
+    QCOMPARE(asOrdinaryUser([&] { return replaceFile(path, "new", mode); }), Answer::No);
+    QCOMPARE(contentsOf(path), oldContents);
+    QCOMPARE(entries(m_folder->path()), QStringList{"map.jpg"});
+}
+
+void TestReplaceFile::killedProcessLeavesWholeFile()
+{
+    const QString path = in("map.jpg");
+    const QByteArray first(500000, 'a');
+    const QByteArray second(300000, 'b');
+    QVERIFY(put(path, oldContents));
+    std::mt19937 random(20261120); // NOLINT(cert-msc51-cpp): the same moments in every run
+    const auto replaceTwice = [&] {
+        replaceFile(path, first, ReadOnlyFolder::WriteInPlace);
+        replaceFile(path, second, ReadOnlyFolder::WriteInPlace);
+    };
+    for (int i = 0; i < 60; ++i) {
+        QVERIFY(killedInTheMiddle(replaceTwice, 5000, random));
+        const QByteArray found = contentsOf(path);
+        QVERIFY2(found == first || found == second, qPrintable(QString::number(found.size())));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestReplaceFile)
+#include "tst_replacefile.moc"
