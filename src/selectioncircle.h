@@ -1,14 +1,14 @@
 #pragma once
 
 #include <QPoint>
+#include <QRect>
+#include <QVector>
 #include <Qt>
 
 #include <optional>
 
 class QColor;
 class QImage;
-class QRect;
-class QSize;
 
 /// The circle that marks the globe's disc on a photograph, in photograph pixels. Any int is a valid value:
 /// nothing is clamped, and arithmetic that leaves the 32 bits wraps.
@@ -55,10 +55,16 @@ CircleZone zoneAt(const SelectionCircle &circle, QPoint position);
 std::optional<Qt::CursorShape> cursorAt(const SelectionCircle &circle, QPoint position);
 
 /// Draws the circle into a picture at its own resolution: an ellipse, a centre cross whose arms are twice the
-/// pen size, and a bounding square that is one pixel wider and taller than the ellipse's box.
+/// pen size, and a bounding square that is one pixel wider and taller than the ellipse's box. A negative
+/// radius turns both round; the ellipse's box is then two pixels larger than that of the positive one.
 /// @param picture   Format_ARGB32
 /// @param penSize   pen width in picture pixels, any int
 /// @param square    Qt::DotLine, or Qt::SolidLine while a new circle is being drawn
 /// Parts far outside the picture cost nothing; no value hangs or overflows.
 void drawCircle(QImage &picture, const SelectionCircle &circle, const QColor &penColor, int penSize,
                 Qt::PenStyle square);
+
+/// Rectangles inside a picture, apart from each other, that hold every pixel which drawCircle may change:
+/// narrow ones along the lines, so that a little memory is enough to put a large circle in or to take it
+/// away. None when a value is too large for that to be known (beyond 32767, or a pen wider than 1024).
+std::optional<QVector<QRect>> drawnRectangles(QSize picture, const SelectionCircle &circle, int penSize);
