@@ -1,10 +1,114 @@
 #include "circlecanvas.h"
 
-QPixmap CircleCanvas::picture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
-                              const CirclePen &pen)
+#include <algorithm>
+#include <cstring>
+#include <utility>
+
+namespace
+{
+
+QPixmap plainPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
+                     const CirclePen &pen)
 {
     QImage copy = photograph.convertToFormat(QImage::Format_ARGB32);
     if (circle)
         drawCircle(copy, *circle, pen.color, pen.size, pen.square);
     return QPixmap::fromImage(std::move(copy));
+}
+
+/// The position of some pixel that is not opaque, none if all are.
+std::optional<QPoint> seeThroughPixel(const QImage &photograph)
+{
+    if (!photograph.hasAlphaChannel())
+        return std::nullopt;
+    for (int y = 0; y < photograph.height(); ++y) {
+        const QImage row =
+            photograph.copy(0, y, photograph.width(), 1).convertToFormat(QImage::Format_ARGB32);
+        const QRgb *first = reinterpret_cast<const QRgb *>(row.constScanLine(0));
+        const QRgb *last = first + row.width();
+        const QRgb *found = std::find_if(first, last, [](QRgb pixel) { return qAlpha(pixel) != 255; });
+        if (found != last)
+            return QPoint(static_cast<int>(found - first), y);
+    }
+    return std::nullopt;
+}
+
+/// A part of the photograph or drawing in another format, by way of ARGB32: a deeper photograph loses its
+/// additional bits before it is premultiplied, not after.
+QImage converted(QImage part, QImage::Format format)
+{
+    return std::move(part).convertToFormat(QImage::Format_ARGB32).convertToFormat(format);
+}
+
+/// Copies a rectangle into an image of the same size, both 32 bits deep in the end.
+void copyRectangle(const QImage &source, QImage &target, const QRect &rectangle)
+{
+    const QImage part = converted(source.copy(rectangle), target.format());
+    for (int row = 0; row < part.height(); ++row) {
+        QRgb *line = reinterpret_cast<QRgb *>(target.scanLine(rectangle.top() + row)) + rectangle.left();
+        std::memcpy(line, part.constScanLine(row), static_cast<std::size_t>(part.width()) * sizeof(QRgb));
+    }
+}
+
+} // namespace
+
+QPixmap CircleCanvas::picture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
+                              const CirclePen &pen)
+{
+    if (photograph.isNull()) {
+        clear();
+        return {};
+    }
+    if (photograph.cacheKey() != m_key)
+        take(photograph);
+
+    const std::optional<QVector<QRect>> rectangles =
+        circle ? drawnRectangles(m_photograph.size(), *circle, pen.size) : QVector<QRect>();
+    // A circle over the pixel that is known to be see-through may have covered the last one: only a look at
+    // the whole picture tells.
+    const bool coversPixel =
+        rectangles && m_seeThroughPixel &&
+        std::any_of(rectangles->begin(), rectangles->end(),
+                    [this](const QRect &rectangle) { return rectangle.contains(*m_seeThroughPixel); });
+    if (!rectangles || coversPixel)
+        return plainPicture(m_photograph, circle, pen);
+
+    Buffer &buffer = m_buffers[m_next];
+    m_next = 1 - m_next;
+    if (buffer.image.isNull())
+        buffer.image = converted(m_photograph, m_seeThroughPixel ? QImage::Format_ARGB32_Premultiplied
+                                                                 : QImage::Format_RGB32);
+    if (buffer.image.isNull() || m_drawing.isNull()) // no memory for it
+        return plainPicture(m_photograph, circle, pen);
+    for (const QRect &rectangle : std::as_const(buffer.rectangles))
+        copyRectangle(m_photograph, buffer.image, rectangle);
+    if (circle)
+        paint(buffer, *rectangles, *circle, pen);
+    buffer.rectangles = *rectangles;
+    return QPixmap::fromImage(buffer.image, Qt::NoOpaqueDetection);
+}
+
+void CircleCanvas::clear()
+{
+    *this = CircleCanvas();
+}
+
+void CircleCanvas::take(const QImage &photograph)
+{
+    clear();
+    m_key = photograph.cacheKey();
+    m_photograph = photograph;
+    m_photograph.setDevicePixelRatio(1.0);
+    m_seeThroughPixel = seeThroughPixel(m_photograph);
+    m_drawing = QImage(photograph.size(), QImage::Format_ARGB32);
+}
+
+void CircleCanvas::paint(Buffer &buffer, const QVector<QRect> &rectangles, const SelectionCircle &circle,
+                         const CirclePen &pen)
+{
+    for (const QRect &rectangle : rectangles)
+        copyRectangle(m_photograph, m_drawing, rectangle);
+    drawCircle(m_drawing, circle, pen.color, pen.size, pen.square);
+    for (const QRect &rectangle : rectangles)
+        copyRectangle(m_drawing, buffer.image, rectangle);
 }

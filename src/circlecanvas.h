@@ -6,6 +6,8 @@
 #include <QImage>
 #include <QPixmap>
 
+#include <array>
+#include <cstddef>
 #include <optional>
 
 /// How a circle is painted.
@@ -17,12 +19,36 @@ struct CirclePen {
 
 /// The photograph with the circle burnt in at its own resolution. Pixel for pixel, and in its alpha channel,
 /// what converting the photograph to ARGB32, drawCircle and QPixmap::fromImage give, but made for being
-/// called on every step of a drag: it remembers the last photograph and what it painted on it.
+/// called on every step of a drag: it keeps two finished pictures and changes, in the one that is not on the
+/// screen, only the pixels around the lines of the old and the new circle.
 class CircleCanvas
 {
 public:
-    /// @param photograph  any format; null gives a null pixmap
+    /// A new pixmap for each call; later calls leave it as it is. Fast as long as the caller lets go of the
+    /// pixmap before the last, as a label does that is given the new one.
+    /// @param photograph  any format, any device pixel ratio (which is not looked at); null gives a null
+    /// pixmap
     /// @param circle      none: the photograph alone
     QPixmap picture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
                     const CirclePen &pen);
+
+    /// Forgets the photograph and gives its memory back; without it the next photograph does so.
+    void clear();
+
+private:
+    struct Buffer {
+        QImage image; // as the screen takes it: RGB32, or premultiplied for a photograph with alpha
+        QVector<QRect> rectangles; // where it differs from the photograph
+    };
+
+    void take(const QImage &photograph);
+    void paint(Buffer &buffer, const QVector<QRect> &rectangles, const SelectionCircle &circle,
+               const CirclePen &pen);
+
+    qint64 m_key = 0; // cacheKey() of the photograph that the rest is about; 0: none
+    QImage m_photograph;
+    std::optional<QPoint> m_seeThroughPixel; // one that makes the whole picture keep its alpha channel
+    QImage m_drawing; // ARGB32 to draw in; holds nothing outside the rectangles at work
+    std::array<Buffer, 2> m_buffers;
+    std::size_t m_next = 0; // the buffer whose pixmap is the older one
 };
