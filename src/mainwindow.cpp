@@ -1,6 +1,7 @@
 #include "mainwindow.h"
 
 #include "inifile.h"
+#include "option.h"
 #include "previewwindow.h"
 #include "ui_mainwindow.h"
 #include "uitexts.h"
@@ -229,6 +230,33 @@ void MainWindow::slotPreviewWindowHidden()
     ui->actionPreview_Window->setChecked(false);
 }
 
+// The dialog works on its own copies; they come back only when it was accepted.
 void MainWindow::on_actionSetting_triggered()
 {
+    Option option(this);
+    option.langFile = langFile;
+    option.readShowString();
+    option.distance = distance;
+    option.outputSizeX = outputSizeX;
+    option.outputSizeY = outputSizeY;
+    option.quality = quality;
+    option.format = format;
+    option.latitude = latitude;
+    option.longitude = longitude;
+    option.azimuth = azimuth;
+    option.penSize = penSize;
+    option.penColor = penColor.name(QColor::HexArgb);
+    if (option.exec() == 0)
+        return;
+    distance = option.distance;
+    outputSizeX = option.outputSizeX;
+    outputSizeY = option.outputSizeY;
+    quality = option.quality;
+    format = option.format;
+    latitude = option.latitude;
+    longitude = option.longitude;
+    azimuth = option.azimuth;
+    penSize = option.penSize;
+    penColor.setNamedColor(option.penColor);
+    updateSelect();
 }
