@@ -79,11 +79,21 @@ private slots:
     void init();
     void cleanup();
     void fromPhotographToMap();
+    void markingTheDisc();
+    void heldButtonsRepeat();
+    void parameterFiles();
+    void optionsAndPreview();
 
 private:
+    void openOwnPhotograph();
+    void chooseMenuItem(const char *menu, int downs);
+    QVector<int> shownCircle();
+    bool atMainWindow();
+
     QString writePhotograph(const QString &name);
 
     std::unique_ptr<Desktop> m_desktop;
+    std::unique_ptr<Layout> m_layout;
 };
 
 void tst_DesktopWalk::init()
@@ -105,6 +115,40 @@ QString tst_DesktopWalk::writePhotograph(const QString &name)
     }
     const QString path = m_desktop->folder().filePath(name);
     return photograph.save(path) ? path : QString();
+}
+
+// Starts with a photograph on the command line, as a file manager would.
+void tst_DesktopWalk::openOwnPhotograph()
+{
+    const QString photograph = writePhotograph("photo.png");
+    if (!m_layout)
+        m_layout = std::make_unique<Layout>(photograph);
+    QVERIFY(m_layout->isKnown());
+    m_desktop->start({photograph});
+    QVERIFY(atMainWindow());
+    QVERIFY(m_desktop->waitForLine("timeout"));
+    QCOMPARE(shownCircle(), (QVector<int>{147, 200, 150}));
+}
+
+// Opens a menu by the mouse and picks an item by the keyboard.
+void tst_DesktopWalk::chooseMenuItem(const char *menu, int downs)
+{
+    m_desktop->click((*m_layout)[menu]);
+    QStringList keys;
+    for (int i = 0; i < downs; ++i)
+        keys.append("Down");
+    m_desktop->keys(keys + QStringList{"Return"});
+}
+
+// Radius, x and y that the program reports next.
+QVector<int> tst_DesktopWalk::shownCircle()
+{
+    return numbersOf(m_desktop->lineStarting("updateScreenParameter"));
+}
+
+bool tst_DesktopWalk::atMainWindow()
+{
+    return !m_desktop->window(mainTitle).isEmpty();
 }
 
 // Open through the dialog, convert, decline the overwrite, accept it, and find the map on the disk.
@@ -161,6 +205,144 @@ void tst_DesktopWalk::fromPhotographToMap()
     const QByteArray settings = m_desktop->folder().read("ovmic.ini");
     QVERIFY(settings.contains("LoadFileName=" + photograph.toUtf8()));
     QVERIFY(settings.contains("Radius=147"));
+}
+
+// Draw a circle by mouse, move it by its line, resize it at a corner, remove it and draw it anew, then close and
+// start again: the circle comes back.
+void tst_DesktopWalk::markingTheDisc()
+{
+    openOwnPhotograph();
+    if (QTest::currentTestFailed())
+        return;
+    const Layout &layout = *m_layout;
+    m_desktop->click(layout.pixel(200, 150), 3); // the default circle goes
+    m_desktop->drag(layout.pixel(180, 140), layout.pixel(240, 190));
+    const QVector<int> drawn = shownCircle();
+    QVERIFY2(qAbs(drawn.at(0) - 60) <= 3, qPrintable(QString::number(drawn.at(0))));
+    QVERIFY(qAbs(drawn.at(1) - 180) <= 1 && qAbs(drawn.at(2) - 140) <= 1);
+
+    const int r = drawn.at(0);
+    m_desktop->drag(layout.pixel(180 + r, 140), layout.pixel(180 + r + 30, 140 + 20));
+    const QVector<int> moved = shownCircle();
+    QCOMPARE(moved.at(0), r);
+    QVERIFY(qAbs(moved.at(1) - 210) <= 2 && qAbs(moved.at(2) - 160) <= 2);
+
+    m_desktop->drag(layout.pixel(moved.at(1) + r + 4, moved.at(2) + r + 4),
+                    layout.pixel(moved.at(1) + 90, moved.at(2) + 90));
+    const QVector<int> resized = shownCircle();
+    QVERIFY(qAbs(resized.at(0) - 90) <= 2);
+    QCOMPARE(resized.mid(1), moved.mid(1));
+
+    // A click far outside removes it; the right button brings it back.
+    m_desktop->click(layout.pixel(20, 280));
+    m_desktop->click(layout.pixel(20, 280), 3);
+    m_desktop->drag(layout.pixel(moved.at(1), moved.at(2)), layout.pixel(moved.at(1) - 50, moved.at(2)));
+    const QVector<int> centred = shownCircle();
+    QCOMPARE(centred.at(0), resized.at(0));
+    QVERIFY(qAbs(centred.at(1) - (moved.at(1) - 50)) <= 1);
+
+    QVERIFY(atMainWindow());
+    QVERIFY(m_desktop->closeMainWindow());
+    m_desktop->start();
+    QCOMPARE(shownCircle(), centred);
+    QVERIFY(m_desktop->waitForLine("timeout"));
+    QCOMPARE(shownCircle(), centred); // the photograph came back, and kept the circle
+}
+
+void tst_DesktopWalk::heldButtonsRepeat()
+{
+    openOwnPhotograph();
+    if (QTest::currentTestFailed())
+        return;
+    const Layout &layout = *m_layout;
+    m_desktop->click(layout["btnRight"]);
+    QCOMPARE(shownCircle(), (QVector<int>{147, 201, 150}));
+
+    m_desktop->buttonDown(layout["btnSizeUp"]);
+    for (int tick = 0; tick < 10; ++tick) {
+        QVERIFY(m_desktop->waitForLine("click_timer()"));
+        QCOMPARE(shownCircle(), (QVector<int>{147, 201, 150}));
+    }
+    QCOMPARE(shownCircle(), (QVector<int>{148, 201, 150}));
+    QVERIFY(shownCircle().at(0) >= 149);
+    m_desktop->buttonUp();
+}
+
+// Type a radius without Return, save the circle, reset it, and load it again.
+void tst_DesktopWalk::parameterFiles()
+{
+    openOwnPhotograph();
+    if (QTest::currentTestFailed())
+        return;
+    const Layout &layout = *m_layout;
+    const QString file = m_desktop->folder().filePath("circle.ini");
+    m_desktop->click(layout["lineRadius"]);
+    m_desktop->keys({"ctrl+a"});
+    m_desktop->type("77");
+
+    chooseMenuItem("menuFile", 2);
+    QVERIFY(!m_desktop->window("中心点、半径をファイルへ保存します、ファイル名を指定して下さい").isEmpty());
+    m_desktop->keys({"ctrl+a"});
+    m_desktop->type(file);
+    m_desktop->keys({"Return"});
+    QVERIFY(!m_desktop->window("中心点、半径の保存").isEmpty());
+    m_desktop->keys({"Return"});
+    QVERIFY(m_desktop->waitUntilGone("中心点、半径の保存"));
+    QCOMPARE(m_desktop->folder().read("circle.ini"),
+             QByteArray("[General]\nCenterX=200\nCenterY=150\nRadius=77\n"));
+
+    QVERIFY(atMainWindow());
+    chooseMenuItem("menuFile", 3);
+    QCOMPARE(shownCircle(), (QVector<int>{147, 200, 150}));
+
+    chooseMenuItem("menuFile", 1);
+    QVERIFY(!m_desktop->window("中心点、半径をファイルから読込ます、ファイル名を指定して下さい").isEmpty());
+    m_desktop->type(file);
+    m_desktop->keys({"Return"});
+    QCOMPARE(shownCircle(), (QVector<int>{77, 200, 150}));
+}
+
+// Change the distance in the options, open the preview, and see it follow an edit of the circle.
+void tst_DesktopWalk::optionsAndPreview()
+{
+    openOwnPhotograph();
+    if (QTest::currentTestFailed())
+        return;
+    const Layout &layout = *m_layout;
+    const QString optionTitle = QStringLiteral("Orvane 画像変換ツール（設定）");
+    const QString previewTitle = QStringLiteral("Orvane 画像変換ツール（プレビュー）");
+
+    chooseMenuItem("menuFile", 5);
+    QVERIFY(!m_desktop->window(optionTitle).isEmpty());
+    m_desktop->keys({"ctrl+a"}); // the distance has the focus
+    m_desktop->type("6.6");
+    m_desktop->keys({"shift+Tab", "shift+Tab", "space"}); // backwards over Cancel to OK
+    QVERIFY(m_desktop->waitUntilGone(optionTitle));
+
+    QVERIFY(atMainWindow());
+    m_desktop->click(layout["btnPreview"]);
+    QVERIFY(m_desktop->waitForLine("Convert error"));
+    QVERIFY(!m_desktop->window(previewTitle).isEmpty());
+    QVERIFY(atMainWindow());
+    chooseMenuItem("menuView", 2); // auto preview
+    m_desktop->click(layout["lineRadius"]);
+    m_desktop->keys({"ctrl+a"});
+    m_desktop->type("90");
+    m_desktop->keys({"Return"});
+    QVERIFY(m_desktop->waitForLine("updatePreview"));
+    QVERIFY(m_desktop->waitForLine("Convert error"));
+
+    // Closing the preview by its title bar leaves the program running; the setting is stored at the end.
+    QVERIFY(!m_desktop->window(previewTitle).isEmpty());
+    m_desktop->keys({"alt+F4"});
+    QVERIFY(m_desktop->waitUntilGone(previewTitle));
+    QVERIFY(atMainWindow());
+    QVERIFY(m_desktop->closeMainWindow());
+    const QList<QByteArray> settings = m_desktop->folder().read("ovmic.ini").split('\n');
+    QVERIFY(settings.contains("Distance=6.6"));
+    QVERIFY(settings.contains("Radius=90"));
+    QVERIFY(settings.contains("AutoPreview=true"));
+    QVERIFY(settings.contains("PreviewWindow=false"));
 }
 
 WINDOW_TEST_MAIN(tst_DesktopWalk)
