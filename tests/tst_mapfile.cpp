@@ -1,0 +1,256 @@
+#include "mapfile.h"
+
+#include "faults.h"
+
+#include <QDir>
+#include <QImage>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <sys/stat.h>
+
+namespace
+{
+
+QByteArray contentsOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be opened)");
+}
+
+bool put(const QString &path, const QByteArray &contents)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
+}
+
+/// A map as the engine makes it: colours on a transparent premultiplied canvas.
+QImage map(int width, int height, uint seed = 1)
+{
+    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    std::mt19937 random(seed);
+    for (int y = 0; y < height; ++y) {
+        for (int x = y % 3; x < width; x += 2)
+            image.setPixelColor(x, y, QColor::fromRgb(qRgb(x * 3 % 256, y * 5 % 256, random() % 256)));
+    }
+    return image;
+}
+
+} // namespace
+
+class TestMapFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void bytesAreThoseOfImageSave_data();
+    void bytesAreThoseOfImageSave();
+    void formatDecidesNotTheExtension_data();
+    void formatDecidesNotTheExtension();
+    void unfilledAreasAreTransparentInPngAndBlackInJpeg();
+    void whatCannotBeEncodedTouchesNothing_data();
+    void whatCannotBeEncodedTouchesNothing();
+    void fullDiskLeavesOldMap_data();
+    void fullDiskLeavesOldMap();
+    void fullSmallDiskLeavesOldMap();
+    void missingFolderAndFolderAsTarget();
+    void writableMapInReadOnlyFolderIsReplaced();
+    void killedProcessLeavesWholeMap();
+
+private:
+    QString in(const char *name) const { return m_folder->filePath(QString::fromUtf8(name)); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void TestMapFile::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+}
+
+void TestMapFile::cleanup()
+{
+    m_folder.reset();
+}
+
+void TestMapFile::bytesAreThoseOfImageSave_data()
+{
+    QTest::addColumn<QImage>("image");
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<int>("quality");
+    for (const char *format : {"jpg", "png"}) {
+        for (const int quality : {-5, -1, 0, 1, 50, 85, 99, 100, 101, 2147483647})
+            QTest::addRow("map, %s, quality %d", format, quality)
+                << map(200, 100) << QByteArray(format) << quality;
+        QTest::addRow("one pixel, %s", format) << map(1, 1) << QByteArray(format) << 85;
+        QTest::addRow("without alpha, %s", format)
+            << map(64, 32).convertToFormat(QImage::Format_RGB32) << QByteArray(format) << 85;
+    }
+}
+
+void TestMapFile::bytesAreThoseOfImageSave()
+{
+    QFETCH(QImage, image);
+    QFETCH(QByteArray, format);
+    QFETCH(int, quality);
+    QVERIFY(image.save(in("expected"), format.constData(), quality));
+    QVERIFY(saveMap(image, in("actual"), format.constData(), quality));
+    QVERIFY(contentsOf(in("expected")).size() > 60);
+    QCOMPARE(contentsOf(in("actual")), contentsOf(in("expected")));
+}
+
+void TestMapFile::formatDecidesNotTheExtension_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("signature");
+    QTest::newRow("PNG under a name ending in .jpg")
+        << QByteArray("png") << "map.jpg" << QByteArray("\x89PNG");
+    QTest::newRow("JPEG under a name ending in .png")
+        << QByteArray("jpg") << "map.png" << QByteArray("\xff\xd8\xff");
+    QTest::newRow("JPEG under a name without an ending")
+        << QByteArray("jpg") << "map" << QByteArray("\xff\xd8\xff");
+    QTest::newRow("PNG under an unknown ending") << QByteArray("png") << "map.txt" << QByteArray("\x89PNG");
+}
+
+void TestMapFile::formatDecidesNotTheExtension()
+{
+    QFETCH(QByteArray, format);
+    QFETCH(QString, name);
+    QFETCH(QByteArray, signature);
+    QVERIFY(saveMap(map(20, 10), m_folder->filePath(name), format.constData(), 85));
+    QVERIFY(contentsOf(m_folder->filePath(name)).startsWith(signature));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{name});
+}
+
+void TestMapFile::unfilledAreasAreTransparentInPngAndBlackInJpeg()
+{
+    QImage empty(16, 16, QImage::Format_ARGB32_Premultiplied);
+    empty.fill(Qt::transparent);
+    QVERIFY(saveMap(empty, in("map.png"), "png", 85));
+    QVERIFY(saveMap(empty, in("map.jpg"), "jpg", 85));
+    QCOMPARE(QImage(in("map.png")).pixel(7, 7), qRgba(0, 0, 0, 0));
+    QCOMPARE(QImage(in("map.jpg")).pixel(7, 7), qRgb(0, 0, 0));
+}
+
+void TestMapFile::whatCannotBeEncodedTouchesNothing_data()
+{
+    QTest::addColumn<QImage>("image");
+    QTest::addColumn<QByteArray>("format");
+    QTest::newRow("null image, JPEG") << QImage() << QByteArray("jpg");
+    QTest::newRow("null image, PNG") << QImage() << QByteArray("png");
+    QTest::newRow("wider than a JPEG can be") << map(65536, 1) << QByteArray("jpg");
+    QTest::newRow("unknown format") << map(8, 4) << QByteArray("no such format");
+}
+
+void TestMapFile::whatCannotBeEncodedTouchesNothing()
+{
+    QFETCH(QImage, image);
+    QFETCH(QByteArray, format);
+    QVERIFY(put(in("old"), "old map"));
+    QVERIFY(!saveMap(image, in("old"), format.constData(), 85));
+    QVERIFY(!saveMap(image, in("new"), format.constData(), 85));
+    QCOMPARE(contentsOf(in("old")), QByteArray("old map"));
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"old"});
+}
+
+void TestMapFile::fullDiskLeavesOldMap_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<int>("width");
+    for (const char *format : {"jpg", "png"}) {
+        QTest::addRow("small map, %s", format) << QByteArray(format) << 16;
+        QTest::addRow("large map, %s", format) << QByteArray(format) << 600;
+    }
+}
+
+void TestMapFile::fullDiskLeavesOldMap()
+{
+    QFETCH(QByteArray, format);
+    QFETCH(int, width);
+    const QImage image = map(width, width / 2);
+    QVERIFY(saveMap(image, in("complete"), format.constData(), 90));
+    const qint64 size = QFileInfo(in("complete")).size();
+    QVERIFY(put(in("map"), "old map"));
+    const auto save = [&] { return saveMap(image, in("map"), format.constData(), 90); };
+    for (const qint64 room : {qint64(0), size / 2, size - 1}) {
+        QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(room), save), Answer::No);
+        QCOMPARE(contentsOf(in("map")), QByteArray("old map"));
+        QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden),
+                 (QStringList{"complete", "map"}));
+    }
+    QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(size), save), Answer::Yes);
+    QCOMPARE(contentsOf(in("map")), contentsOf(in("complete")));
+}
+
+void TestMapFile::fullSmallDiskLeavesOldMap()
+{
+    const SmallDisk disk(m_folder->path(), "64k");
+    if (!disk.isMounted()) {
+        qInfo("only the file size limit was tested: no small disk can be mounted here");
+        return;
+    }
+    qInfo("tested on a mounted small disk too");
+    QVERIFY(saveMap(map(100, 50), in("map.png"), "png", 85));
+    const QByteArray old = contentsOf(in("map.png"));
+    QVERIFY(!saveMap(map(600, 300), in("map.png"), "png", 85));
+    QCOMPARE(contentsOf(in("map.png")), old);
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"map.png"});
+}
+
+void TestMapFile::missingFolderAndFolderAsTarget()
+{
+    QVERIFY(!saveMap(map(8, 4), in("missing/map.png"), "png", 85));
+    QVERIFY(!saveMap(map(8, 4), m_folder->path(), "png", 85));
+    QVERIFY(!saveMap(map(8, 4), QString(), "png", 85));
+    QVERIFY(QDir(m_folder->path()).isEmpty());
+}
+
+void TestMapFile::writableMapInReadOnlyFolderIsReplaced()
+{
+    QVERIFY(put(in("map.png"), "old map"));
+    QVERIFY(saveMap(map(8, 4), in("expected.png"), "png", 85));
+    QVERIFY(handOver({in("map.png"), m_folder->path()}));
+    const QByteArray folder = QFile::encodeName(m_folder->path());
+    QCOMPARE(chmod(folder.constData(), 0555), 0);
+    const auto save = [&](const QImage &image) {
+        return asOrdinaryUser([&] { return saveMap(image, in("map.png"), "png", 85); });
+    };
+    const Answer nullAnswer = save(QImage());
+    const QByteArray afterNull = contentsOf(in("map.png"));
+    const Answer answer = save(map(8, 4));
+    QCOMPARE(chmod(folder.constData(), 0700), 0);
+    QCOMPARE(nullAnswer, Answer::No);
+    QCOMPARE(afterNull, QByteArray("old map"));
+    QCOMPARE(answer, Answer::Yes);
+    QCOMPARE(contentsOf(in("map.png")), contentsOf(in("expected.png")));
+}
+
+void TestMapFile::killedProcessLeavesWholeMap()
+{
+    const QString path = in("map.jpg");
+    const QImage first = map(400, 200, 1);
+    const QImage second = map(300, 150, 2);
+    QVERIFY(saveMap(first, in("first"), "jpg", 90));
+    QVERIFY(saveMap(second, in("second"), "jpg", 90));
+    const QByteArray firstBytes = contentsOf(in("first"));
+    const QByteArray secondBytes = contentsOf(in("second"));
+    std::mt19937 random(20261121); // NOLINT(cert-msc51-cpp): the same moments in every run
+    const auto saveTwice = [&] {
+        saveMap(first, path, "jpg", 90);
+        saveMap(second, path, "jpg", 90);
+    };
+    for (int i = 0; i < 60; ++i) {
+        QVERIFY(killedInTheMiddle(saveTwice, 8000, random));
+        const QByteArray found = contentsOf(path);
+        QVERIFY2(found == firstBytes || found == secondBytes, qPrintable(QString::number(found.size())));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestMapFile)
+#include "tst_mapfile.moc"
