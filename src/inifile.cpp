@@ -80,9 +80,10 @@ bool readFile(const QString &path, QByteArray &contents)
 /// @return null when there is no room for the file
 std::unique_ptr<QSettings> openFresh(const QTemporaryDir &folder, const QByteArray &contents)
 {
-    const QString path = folder.filePath(QStringLiteral("fresh.ini"));
-    const bool written = folder.isValid() && replaceFile(path, contents, ReadOnlyFolder::Refuse);
-    return written ? settingsAt(path) : nullptr;
+    QFile file(folder.filePath(QStringLiteral("fresh.ini")));
+    const bool written = folder.isValid() && file.open(QIODevice::WriteOnly) &&
+                         file.write(contents) == contents.size() && file.flush();
+    return written ? settingsAt(file.fileName()) : nullptr;
 }
 
 /// Makes QSettings take every value apart. @return false if one of them asks for more memory than there is,
@@ -123,12 +124,15 @@ bool holdsAll(const QSettings &file, const QSettings &meant)
     });
 }
 
-/// The ini file's contents with the values written into them.
-/// @return nothing when the toolkit did not write every value: on a nearly full disk it leaves a cut file and
-///         reports success
-QByteArray withValues(const QByteArray &contents, const QVector<QPair<QString, QVariant>> &values)
+/// The ini file's contents with the values written into them. QSettings writes into a folder made in the
+/// given one, and the result is read back and compared: on a nearly full disk it leaves a cut file and
+/// reports success.
+/// @return nothing unless every value is there
+QByteArray withValues(const QByteArray &contents, const QVector<QPair<QString, QVariant>> &values,
+                      const QString &workFolder)
 {
-    const QTemporaryDir folder;
+    const QString folderTemplate = QDir(workFolder).filePath(QStringLiteral("ovmic-XXXXXX"));
+    const QTemporaryDir folder(folderTemplate);
     const auto settings = openFresh(folder, contents);
     if (!settings || !isReadable(*settings))
         return {};
@@ -138,9 +142,10 @@ QByteArray withValues(const QByteArray &contents, const QVector<QPair<QString, Q
     QByteArray written;
     if (!readFile(settings->fileName(), written))
         return {};
-    const QTemporaryDir secondFolder;
+    const QTemporaryDir secondFolder(folderTemplate);
     const auto readBack = openFresh(secondFolder, written);
-    return readBack && holdsAll(*readBack, *settings) ? written : QByteArray();
+    const bool complete = readBack && written.endsWith('\n') && holdsAll(*readBack, *settings);
+    return complete ? written : QByteArray();
 }
 
 } // namespace
@@ -162,10 +167,12 @@ bool writeIniFile(const QString &path, const QVector<QPair<QString, QVariant>> &
     QByteArray contents;
     if (QFileInfo::exists(path) && !readFile(path, contents))
         return false;
-    contents = withValues(contents, values);
+    const QString folder = QFileInfo(path).absolutePath();
+    QByteArray updated = withValues(contents, values, QDir::tempPath());
+    if (updated.isEmpty()) // perhaps only the folder for temporary files is missing or full
+        updated = withValues(contents, values, folder);
     // A missing folder is made, as QSettings makes it.
-    return !contents.isEmpty() && QDir().mkpath(QFileInfo(path).absolutePath()) &&
-           replaceFile(path, contents, ReadOnlyFolder::Refuse);
+    return !updated.isEmpty() && QDir().mkpath(folder) && replaceFile(path, updated, ReadOnlyFolder::Refuse);
 }
 
 void loadSettings(const QString &path, const QVector<Setting> &settings)

@@ -246,7 +246,7 @@ void TestMapFile::killedProcessLeavesWholeMap()
         saveMap(second, path, "jpg", 90);
     };
     for (int i = 0; i < 60; ++i) {
-        QVERIFY(killedInTheMiddle(saveTwice, 8000, random));
+        QVERIFY(killedInTheMiddle(saveTwice, random));
         const QByteArray found = contentsOf(path);
         QVERIFY2(found == firstBytes || found == secondBytes, qPrintable(QString::number(found.size())));
     }

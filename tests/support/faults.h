@@ -1,10 +1,12 @@
 #pragma once
 
 #include <QByteArray>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <csignal>
 #include <functional>
 #include <grp.h>
@@ -12,6 +14,7 @@
 #include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
+#include <thread>
 #include <unistd.h>
 
 /// Faults for tests of file code: a full disk, a user without rights, a process killed in the middle.
@@ -66,13 +69,15 @@ inline bool handOver(const QStringList &paths)
     return done;
 }
 
-/// Lets a child repeat an action without end, and kills it at a random moment at most so many microseconds
-/// after the first time was through.
-inline bool killedInTheMiddle(const std::function<void()> &action, int microseconds, std::mt19937 &random)
+/// Lets a child repeat an action without end, and kills it at a random moment after the first time was
+/// through, within about the time that one more takes.
+inline bool killedInTheMiddle(const std::function<void()> &action, std::mt19937 &random)
 {
     int started[2];
     if (pipe(started) != 0)
         return false;
+    QElapsedTimer timer;
+    timer.start();
     const pid_t child = fork();
     if (child == 0) {
         action();
@@ -87,7 +92,8 @@ inline bool killedInTheMiddle(const std::function<void()> &action, int microseco
     close(started[0]);
     if (child <= 0)
         return false;
-    usleep(std::uniform_int_distribution<useconds_t>(0, static_cast<useconds_t>(microseconds))(random));
+    const std::chrono::nanoseconds once(timer.nsecsElapsed());
+    std::this_thread::sleep_for(once * std::uniform_real_distribution<>(0, 1.2)(random));
     int status = 0;
     kill(child, SIGKILL);
     return waitpid(child, &status, 0) == child && running && WIFSIGNALED(status);

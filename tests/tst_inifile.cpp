@@ -1,0 +1,718 @@
+#include "inifile.h"
+
+#include "faults.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QSettings>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextCodec>
+
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <sys/stat.h>
+#include <thread>
+
+using Values = QVector<QPair<QString, QVariant>>;
+
+namespace
+{
+
+QByteArray contentsOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be opened)");
+}
+
+bool put(const QString &path, const QByteArray &contents)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
+}
+
+QStringList entries(const QString &folder)
+{
+    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+}
+
+QVariant read(const QString &path, const char *key)
+{
+    return openIniFile(path)->value(QString::fromLatin1(key));
+}
+
+quint64 bitsOf(double value)
+{
+    quint64 bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
+/// One variable of every type that settings have, with defaults that differ from the empty values.
+struct State {
+    bool flag = true;
+    int number = 3;
+    double real = 100.0;
+    QString text = QStringLiteral("default");
+    QByteArray bytes = "default";
+
+    QVector<Setting> settings()
+    {
+        return {{QStringLiteral("Bytes"), QByteArray("default"), [this] { return bytes; },
+                 [this](const QVariant &value) { bytes = value.toByteArray(); }},
+                boundSetting("Flag", true, flag),
+                boundSetting("Number", 3, number),
+                boundSetting("Real", 100.0, real),
+                boundSetting("Text", QStringLiteral("default"), text)};
+    }
+};
+
+/// Two sets of values that differ everywhere, one longer than the other.
+Values manyValues(int set)
+{
+    Values values;
+    for (int i = 0; i < 200; ++i)
+        values.append({QStringLiteral("Key%1").arg(i),
+                       QString(20 + 300 * set, QChar(set == 0 ? 0x3042 : 0x30a2)) + QString::number(i)});
+    return values;
+}
+
+bool holds(const QString &path, const Values &values)
+{
+    const auto file = openIniFile(path);
+    return file->allKeys().size() == values.size() &&
+           std::all_of(values.cbegin(), values.cend(),
+                       [&](const auto &entry) { return file->value(entry.first) == entry.second; });
+}
+
+} // namespace
+
+class TestIniFile : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void textSurvives_data();
+    void textSurvives();
+    void everyCharacterSurvives();
+    void japaneseTextIsPlainUtf8InTheFile();
+    void loneHalfOfACharacterDoesNotSpoilTheRest();
+    void ownCodecNeverStandsInForUtf8();
+    void doubleSurvivesBitForBit_data();
+    void doubleSurvivesBitForBit();
+    void everyByteSurvives();
+    void fileIsWhatTheToolkitWrites();
+    void otherKeysAndGroupsStay();
+    void emptyFileAndNoValues();
+    void missingFolderIsMade();
+    void linkToTheFileStaysALink();
+
+    void absentKeyGivesDefault();
+    void presentButEmptyKeyIsNotAbsent();
+    void hostileValueConverts_data();
+    void hostileValueConverts();
+    void textWithCommaIsAList();
+    void settingsSurviveInAnotherProcess();
+    void settingsAreTakenInOrder();
+    void settingsFileIsReadAsParameterFile();
+
+    void loadAfterSaveSeesNewValues();
+    void changedFileOfSameSizeAndTimeIsReadAnew();
+
+    void hostileFileIsReadAndSaved_data();
+    void hostileFileIsReadAndSaved();
+    void valueThatAsksForAllMemoryIsRefused();
+    void folderInPlaceOfTheFile();
+    void pipeInPlaceOfTheFile();
+    void unreadableFileIsLeftAlone();
+    void readOnlyFolderIsRefused();
+    void workFolderIsReplacedWhenUnusable();
+    void fullDiskLeavesOldFile();
+    void fullSmallDiskLeavesOldFile();
+    void killedProcessLeavesWholeFile();
+    void twoWritersLeaveOneWholeFile();
+
+private:
+    QString in(const char *name) const { return m_folder->filePath(QString::fromUtf8(name)); }
+    QString ini() const { return in("ovmic.ini"); }
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+};
+
+void TestIniFile::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_folder->isValid());
+}
+
+void TestIniFile::cleanup()
+{
+    m_folder.reset();
+}
+
+void TestIniFile::textSurvives_data()
+{
+    QTest::addColumn<QString>("text");
+    const auto row = [](const char *name, const QString &text) { QTest::newRow(name) << text; };
+    row("empty", QString());
+    row("Japanese path", QStringLiteral("/home/山田/写真 １.jpg"));
+    row("beyond the basic plane", QStringLiteral("/home/𠮷田/𠮷.jpg"));
+    row("only one such character", QStringLiteral("𠮷"));
+    row("emoji sequence", QStringLiteral("👩‍🚀🌏🇯🇵"));
+    row("such a character before a hexadecimal digit", QStringLiteral("𠮷a𠮷1"));
+    row("such a character before an escape", QStringLiteral("𠮷\n𠮷\"𠮷\\𠮷;"));
+    row("comma, semicolon, equals sign", QStringLiteral("a,b;c=d"));
+    row("quotes and backslashes", QStringLiteral("\"C:\\new\\table\""));
+    row("leading at sign", QStringLiteral("@home"));
+    row("two leading at signs", QStringLiteral("@@home"));
+    row("looks like a byte array", QStringLiteral("@ByteArray(x)"));
+    row("looks like an invalid value", QStringLiteral("@Invalid()"));
+    row("looks like a variant", QStringLiteral("@Variant(x)"));
+    row("percent signs", QStringLiteral("100%20%"));
+    row("outer blanks", QStringLiteral("  x  "));
+    row("only blanks", QStringLiteral("   "));
+    row("full-width blanks", QStringLiteral("　x　"));
+    row("line breaks and tabs", QStringLiteral("a\nb\r\nc\td"));
+    row("control characters before digits", QStringLiteral("\x01"
+                                                           "1\x1f"
+                                                           "f\x7f"
+                                                           "a"));
+    row("a zero character", QString(QStringLiteral("a")) + QChar(0) + QStringLiteral("0b"));
+    row("a byte order mark in front", QChar(0xfeff) + QStringLiteral("x"));
+    row("a byte order mark after an escape", QStringLiteral("\n") + QChar(0xfeff) + QStringLiteral("x"));
+    row("10,000 characters", QString(10000, QChar(0x6f22)));
+}
+
+void TestIniFile::textSurvives()
+{
+    QFETCH(QString, text);
+    QVERIFY(writeIniFile(ini(), {{"Before", "a"}, {"Text", text}, {"Unit", "b"}}));
+    QVERIFY(openIniFile(ini())->contains("Text"));
+    QCOMPARE(read(ini(), "Text").toString(), text);
+    QCOMPARE(read(ini(), "Before").toString(), QStringLiteral("a"));
+    QCOMPARE(read(ini(), "Unit").toString(), QStringLiteral("b"));
+    // Once more over what is there: nothing grows or changes.
+    const QByteArray first = contentsOf(ini());
+    QVERIFY(writeIniFile(ini(), {{"Text", text}}));
+    QCOMPARE(contentsOf(ini()), first);
+    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+}
+
+void TestIniFile::everyCharacterSurvives()
+{
+    Values values;
+    for (uint block = 0; block < 0x110000; block += 0x400) {
+        if (block >= 0xd800 && block < 0xe000)
+            continue;
+        QVector<uint> characters;
+        for (uint character = block; character < block + 0x400; ++character)
+            characters.append(character);
+        values.append(
+            {QString::number(block, 16), QString::fromUcs4(characters.constData(), characters.size())});
+    }
+    QVERIFY(writeIniFile(ini(), values));
+    const auto file = openIniFile(ini());
+    for (const auto &[key, value] : values)
+        QVERIFY2(file->value(key).toString() == value.toString(), qPrintable(key));
+}
+
+void TestIniFile::japaneseTextIsPlainUtf8InTheFile()
+{
+    const QString text = QStringLiteral("/写真/𠮷田 🌏.jpg");
+    QVERIFY(writeIniFile(ini(), {{"LoadFileName", text}}));
+    QCOMPARE(contentsOf(ini()), QByteArray("[General]\nLoadFileName=" + text.toUtf8() + "\n"));
+}
+
+void TestIniFile::loneHalfOfACharacterDoesNotSpoilTheRest()
+{
+    const QString high = QChar(0xd842);
+    const QString low = QChar(0xdfb7);
+    QVERIFY(writeIniFile(ini(), {{"A", high + "x"}, {"B", low + "y"}, {"C", low + "z" + high}, {"D", "𠮷"}}));
+    QCOMPARE(read(ini(), "C").toString(), QStringLiteral("z"));
+    QCOMPARE(read(ini(), "D").toString(), QStringLiteral("𠮷"));
+}
+
+void TestIniFile::ownCodecNeverStandsInForUtf8()
+{
+    const QTextCodec *before = QTextCodec::codecForName("UTF-8");
+    QVERIFY(writeIniFile(ini(), {{"Text", "𠮷"}}));
+    for (const char *name : {"UTF-8", "utf8", "Utf-8", "UTF_8"})
+        QCOMPARE(QTextCodec::codecForName(name), before);
+    QCOMPARE(QTextCodec::codecForMib(106), before);
+    QCOMPARE(before->name(), QByteArray("UTF-8"));
+}
+
+void TestIniFile::doubleSurvivesBitForBit_data()
+{
+    QTest::addColumn<double>("value");
+    using Limits = std::numeric_limits<double>;
+    for (const double value :
+         {0.0, 0.1, 1.0 / 3.0, 6.6, 35.681236, -139.7671248, 1e300, 5e-324, Limits::max(), Limits::min(),
+          Limits::infinity(), -Limits::infinity(), 123456789.123456789})
+        QTest::addRow("%.17g", value) << value;
+    std::mt19937_64 random(5); // NOLINT(cert-msc51-cpp): the same numbers in every run
+    for (int i = 0; i < 20; ++i) {
+        const double value = std::uniform_real_distribution<double>(-360, 360)(random);
+        QTest::addRow("%.17g", value) << value;
+    }
+}
+
+void TestIniFile::doubleSurvivesBitForBit()
+{
+    QFETCH(double, value);
+    QVERIFY(writeIniFile(ini(), {{"Distance", value}}));
+    QCOMPARE(bitsOf(read(ini(), "Distance").toDouble()), bitsOf(value));
+}
+
+void TestIniFile::everyByteSurvives()
+{
+    QByteArray bytes;
+    for (int i = 0; i < 256; ++i)
+        bytes.append(static_cast<char>(i)).append(static_cast<char>(255 - i)).append("0");
+    QVERIFY(writeIniFile(ini(), {{"Geometry", bytes}, {"None", QByteArray()}}));
+    QCOMPARE(read(ini(), "Geometry").toByteArray(), bytes);
+    QVERIFY(openIniFile(ini())->contains("None"));
+    QCOMPARE(read(ini(), "None").toByteArray(), QByteArray());
+}
+
+void TestIniFile::fileIsWhatTheToolkitWrites()
+{
+    const Values values{
+        {"Real", 6.6},       {"Flag", true},   {"Geometry", QByteArray("\x01\xd9\xd0\xcb", 4)},
+        {"Number", -5},      {"Text", "a, b"}, {"Folder", "/写真"},
+        {"None", QString()}, {"Off", false}};
+    QVERIFY(writeIniFile(ini(), values));
+    {
+        QSettings plain(in("plain.ini"), QSettings::IniFormat);
+        plain.setIniCodec("UTF-8");
+        for (const auto &[key, value] : values)
+            plain.setValue(key, value);
+    }
+    QCOMPARE(contentsOf(ini()), contentsOf(in("plain.ini")));
+    QVERIFY(contentsOf(ini()).contains("Real=6.6\n"));
+}
+
+void TestIniFile::otherKeysAndGroupsStay()
+{
+    QVERIFY(
+        put(ini(), "[General]\nCenterX=1\nMine=\"a, b\"\nList=a, b\n\n[other]\nText=写真 𠮷\nDeep\\Key=7\n"));
+    QVERIFY(writeIniFile(ini(), {{"CenterX", 2}, {"CenterY", 3}}));
+    const auto file = openIniFile(ini());
+    QCOMPARE(file->value("CenterX").toInt(), 2);
+    QCOMPARE(file->value("CenterY").toInt(), 3);
+    QCOMPARE(file->value("Mine").toString(), QStringLiteral("a, b"));
+    QCOMPARE(file->value("List").toStringList(), (QStringList{"a", "b"}));
+    QCOMPARE(file->value("other/Text").toString(), QStringLiteral("写真 𠮷"));
+    QCOMPARE(file->value("other/Deep/Key").toInt(), 7);
+    QCOMPARE(file->allKeys().size(), 6);
+}
+
+void TestIniFile::emptyFileAndNoValues()
+{
+    QVERIFY(put(ini(), ""));
+    QVERIFY(writeIniFile(ini(), {{"A", 1}}));
+    const QByteArray before = contentsOf(ini());
+    QCOMPARE(before, QByteArray("[General]\nA=1\n"));
+    QVERIFY(writeIniFile(ini(), {}));
+    QCOMPARE(contentsOf(ini()), before);
+}
+
+void TestIniFile::missingFolderIsMade()
+{
+    const QString path = in("new/deep/circle.ini");
+    QVERIFY(writeIniFile(path, {{"Radius", 5}}));
+    QCOMPARE(contentsOf(path), QByteArray("[General]\nRadius=5\n"));
+}
+
+void TestIniFile::linkToTheFileStaysALink()
+{
+    QVERIFY(put(in("real.ini"), "[General]\nA=1\n"));
+    QVERIFY(QFile::link(in("real.ini"), ini()));
+    QVERIFY(writeIniFile(ini(), {{"B", 2}}));
+    QVERIFY(QFileInfo(ini()).isSymLink());
+    QCOMPARE(contentsOf(in("real.ini")), QByteArray("[General]\nA=1\nB=2\n"));
+}
+
+void TestIniFile::absentKeyGivesDefault()
+{
+    State state{false, 1, 1.0, "x", "y"};
+    loadSettings(in("missing.ini"), state.settings());
+    QCOMPARE(state.flag, true);
+    QCOMPARE(state.number, 3);
+    QCOMPARE(state.real, 100.0);
+    QCOMPARE(state.text, QStringLiteral("default"));
+    QCOMPARE(state.bytes, QByteArray("default"));
+    QCOMPARE(entries(m_folder->path()), QStringList());
+}
+
+void TestIniFile::presentButEmptyKeyIsNotAbsent()
+{
+    State state;
+    QVERIFY(put(ini(), "Bytes=\nFlag=\nNumber=\nReal=\nText=\n"));
+    loadSettings(ini(), state.settings());
+    QCOMPARE(state.flag, false);
+    QCOMPARE(state.number, 0);
+    QCOMPARE(bitsOf(state.real), bitsOf(0.0));
+    QCOMPARE(state.text, QString());
+    QCOMPARE(state.bytes, QByteArray());
+}
+
+void TestIniFile::hostileValueConverts_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<bool>("flag");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<double>("real");
+    QTest::addColumn<QString>("text");
+    const double infinity = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const auto row = [](const char *value, bool flag, int number, double real, const char *text) {
+        QTest::newRow(value) << QByteArray(value) << flag << number << real << QString::fromUtf8(text);
+    };
+    row("99999999999", true, 1215752191, 99999999999.0, "99999999999");
+    row("2147483647", true, 2147483647, 2147483647.0, "2147483647");
+    row("2147483648", true, -2147483647 - 1, 2147483648.0, "2147483648");
+    row("-2147483648", true, -2147483647 - 1, -2147483648.0, "-2147483648");
+    row("99999999999999999999", true, 0, 1e20, "99999999999999999999");
+    row("3.7", true, 0, 3.7, "3.7");
+    row("1e3", true, 0, 1000.0, "1e3");
+    row("0x10", true, 0, 0.0, "0x10");
+    row("yes", true, 0, 0.0, "yes");
+    row("true", true, 0, 0.0, "true");
+    row("false", false, 0, 0.0, "false");
+    row("FALSE", false, 0, 0.0, "FALSE");
+    row("0", false, 0, 0.0, "0");
+    row("0.0", true, 0, 0.0, "0.0");
+    row("inf", true, 0, infinity, "inf");
+    row("-inf", true, 0, -infinity, "-inf");
+    row("nan", true, 0, nan, "nan");
+    row("1e999", true, 0, infinity, "1e999");
+    row("6,6", false, 0, 0.0, "");
+    row("a, b", false, 0, 0.0, "");
+    row("\"6,6\"", true, 0, 0.0, "6,6");
+    row("@Invalid()", false, 0, 0.0, "");
+    row("@Nonsense(1)", true, 0, 0.0, "@Nonsense(1)");
+    row("@Rect(1 2 3 4)", false, 0, 0.0, "");
+    row("@Size(1)", true, 0, 0.0, "@Size(1)");
+    row("@Variant(\\0\\0\\0\\x2\\0\\0\\0\\x5)", true, 5, 5.0, "5");
+    row("@Variant(garbage)", false, 0, 0.0, "");
+    row("@ByteArray(7)", true, 7, 7.0, "7");
+    row("@ByteArray(", true, 0, 0.0, "@ByteArray(");
+    row("\\xffffffffff", true, 0, 0.0, "\xef\xbf\xbf");
+    row("7 ; a comment", true, 7, 7.0, "7");
+    row("１", true, 0, 0.0, "１");
+}
+
+void TestIniFile::hostileValueConverts()
+{
+    QFETCH(QByteArray, value);
+    QFETCH(double, real);
+    QVERIFY(put(ini(), "[General]\nBytes=x\nFlag=" + value + "\nNumber=" + value + "\nReal=" + value +
+                           "\nText=" + value + "\n"));
+    State state;
+    loadSettings(ini(), state.settings());
+    QTEST(state.flag, "flag");
+    QTEST(state.number, "number");
+    QCOMPARE(std::isnan(state.real), std::isnan(real));
+    if (!std::isnan(real))
+        QCOMPARE(bitsOf(state.real), bitsOf(real));
+    QTEST(state.text, "text");
+    QCOMPARE(state.bytes, QByteArray("x"));
+    // What was understood is what the next run understands.
+    QVERIFY(saveSettings(ini(), state.settings()));
+    State next;
+    loadSettings(ini(), next.settings());
+    QCOMPARE(next.flag, state.flag);
+    QCOMPARE(next.number, state.number);
+    QVERIFY(bitsOf(next.real) == bitsOf(state.real) || (std::isnan(next.real) && std::isnan(state.real)));
+    QCOMPARE(next.text, state.text);
+    QCOMPARE(next.bytes, state.bytes);
+}
+
+void TestIniFile::textWithCommaIsAList()
+{
+    QVERIFY(put(ini(), "Text=a, b\n"));
+    QCOMPARE(read(ini(), "Text").toStringList(), (QStringList{"a", "b"}));
+    QCOMPARE(read(ini(), "Text").toString(), QString());
+}
+
+void TestIniFile::settingsSurviveInAnotherProcess()
+{
+    State state{false, -7, 0.1, "/写真/𠮷.jpg", QByteArray("\0\xff)", 3)};
+    QCOMPARE(inChild([&] { return saveSettings(ini(), state.settings()); }), Answer::Yes);
+    QCOMPARE(contentsOf(ini()), QByteArray("[General]\nBytes=@ByteArray(\\0\\xff))\nFlag=false\nNumber=-7\n"
+                                           "Real=0.1\nText=/写真/𠮷.jpg\n"));
+    State next;
+    loadSettings(ini(), next.settings());
+    QCOMPARE(next.flag, false);
+    QCOMPARE(next.number, -7);
+    QCOMPARE(bitsOf(next.real), bitsOf(0.1));
+    QCOMPARE(next.text, state.text);
+    QCOMPARE(next.bytes, state.bytes);
+}
+
+void TestIniFile::settingsAreTakenInOrder()
+{
+    QStringList taken;
+    QVector<Setting> settings;
+    for (const char *key : {"Zebra", "Apple", "Middle"})
+        settings.append({QString::fromLatin1(key), QString(), [] { return QVariant("x"); },
+                         [&taken, key](const QVariant &) { taken.append(QString::fromLatin1(key)); }});
+    QVERIFY(saveSettings(ini(), settings));
+    loadSettings(ini(), settings);
+    QCOMPARE(taken, (QStringList{"Zebra", "Apple", "Middle"}));
+}
+
+void TestIniFile::settingsFileIsReadAsParameterFile()
+{
+    int x = 512;
+    int y = -3;
+    State state;
+    QVector<Setting> settings = state.settings();
+    settings << boundSetting("CenterX", 0, x) << boundSetting("CenterY", 0, y);
+    QVERIFY(saveSettings(ini(), settings));
+    const auto parameters = openIniFile(ini());
+    QCOMPARE(parameters->value("CenterX", 0).toInt(), 512);
+    QCOMPARE(parameters->value("CenterY", 0).toInt(), -3);
+    QCOMPARE(parameters->value("Radius", 0).toInt(), 0);
+}
+
+void TestIniFile::loadAfterSaveSeesNewValues()
+{
+    for (int i = 100; i < 140; ++i) { // always the same size, within one tick of the file's clock
+        State state;
+        state.number = i;
+        QVERIFY(saveSettings(ini(), state.settings()));
+        State next;
+        loadSettings(ini(), next.settings());
+        QCOMPARE(next.number, i);
+    }
+}
+
+void TestIniFile::changedFileOfSameSizeAndTimeIsReadAnew()
+{
+    QVERIFY(put(ini(), "[main]\ntitle=first\n"));
+    const QDateTime time = QFileInfo(ini()).lastModified();
+    QCOMPARE(read(ini(), "main/title").toString(), QStringLiteral("first"));
+    QFile file(ini());
+    QVERIFY(file.open(QIODevice::ReadWrite));
+    QCOMPARE(file.write("[main]\ntitle=other\n"), qint64(19));
+    QVERIFY(file.flush());
+    QVERIFY(file.setFileTime(time, QFileDevice::FileModificationTime));
+    file.close();
+    QCOMPARE(read(ini(), "main/title").toString(), QStringLiteral("other"));
+}
+
+void TestIniFile::hostileFileIsReadAndSaved_data()
+{
+    QTest::addColumn<QByteArray>("contents");
+    std::mt19937 random(11); // NOLINT(cert-msc51-cpp): the same noise in every run
+    const auto noise = [&random](int size) {
+        QByteArray bytes(size, '\0');
+        for (char &byte : bytes)
+            byte = static_cast<char>(random());
+        return bytes;
+    };
+    for (const int size : {1, 100, 5000, 300000})
+        QTest::addRow("%d bytes of noise", size) << noise(size);
+    QTest::newRow("10 MB of noise") << noise(10000000);
+    QTest::newRow("a line of 10 MB") << "Text=" + QByteArray(10000000, 'x');
+    QTest::newRow("10 MB of line breaks") << QByteArray(10000000, '\n');
+    QTest::newRow("10 MB of zeros") << QByteArray(10000000, '\0');
+    QTest::newRow("100,000 groups") << QByteArray("[g]\n").repeated(100000);
+    QTest::newRow("100,000 equals signs") << QByteArray(100000, '=');
+    QTest::newRow("100,000 commas") << "Text=" + QByteArray(100000, ',');
+    QTest::newRow("open quotation") << QByteArray("Text=\"\n[General]\nNumber=1");
+    QTest::newRow("open group") << QByteArray("[General\nNumber=1");
+    QTest::newRow("keys without a name") << QByteArray("=1\n[/]\n=2\nk=3\n[a//b]\n/=4\n");
+    QTest::newRow("lone halves of characters") << QByteArray("a=\\xd842\nb=\\xdfb7, \\xd842\n%Ud842=1\n");
+    QTest::newRow("UTF-16 with a byte order mark") << QByteArray("\xff\xfe[\0a\0]\0\n\0", 10);
+    QTest::newRow("UTF-8 with a byte order mark") << QByteArray("\xef\xbb\xbf[General]\nOther=1\n");
+    QTest::newRow("Windows line ends") << QByteArray("[General]\r\nOther=1\r\n");
+    QTest::newRow("the same key twice") << QByteArray("Number=1\nNumber=2\n[General]\nNumber=3\n");
+}
+
+void TestIniFile::hostileFileIsReadAndSaved()
+{
+    QFETCH(QByteArray, contents);
+    QVERIFY(put(ini(), contents));
+    State state;
+    loadSettings(ini(), state.settings());
+    QCOMPARE(contentsOf(ini()), contents);
+    const State meant{false, 42, 0.1, "/写真/𠮷.jpg", "bytes"};
+    state = meant;
+    QVERIFY(saveSettings(ini(), state.settings()));
+    State next;
+    loadSettings(ini(), next.settings());
+    QCOMPARE(next.flag, meant.flag);
+    QCOMPARE(next.number, meant.number);
+    QCOMPARE(bitsOf(next.real), bitsOf(meant.real));
+    QCOMPARE(next.text, meant.text);
+    QCOMPARE(next.bytes, meant.bytes);
+}
+
+void TestIniFile::valueThatAsksForAllMemoryIsRefused()
+{
+    const QByteArray contents = "[General]\nNumber=7\nText=@Variant(\\0\\0\\0\\v\\x7f\\xff\\xff\\xff)\n";
+    QVERIFY(put(ini(), contents));
+    State state;
+    loadSettings(ini(), state.settings());
+    QCOMPARE(state.number, 3);
+    QCOMPARE(state.text, QStringLiteral("default"));
+    QVERIFY(!saveSettings(ini(), state.settings()));
+    QCOMPARE(contentsOf(ini()), contents);
+}
+
+void TestIniFile::folderInPlaceOfTheFile()
+{
+    QVERIFY(QDir(m_folder->path()).mkdir("ovmic.ini"));
+    QVERIFY(put(in("ovmic.ini/inside"), "x"));
+    State state;
+    loadSettings(ini(), state.settings());
+    QCOMPARE(state.number, 3);
+    QVERIFY(!saveSettings(ini(), state.settings()));
+    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+    QCOMPARE(entries(ini()), QStringList{"inside"});
+}
+
+void TestIniFile::pipeInPlaceOfTheFile()
+{
+    QCOMPARE(mkfifo(QFile::encodeName(ini()).constData(), 0600), 0);
+    State state;
+    loadSettings(ini(), state.settings()); // must not wait for a writer
+    QCOMPARE(state.number, 3);
+    QVERIFY(!saveSettings(ini(), state.settings()));
+}
+
+void TestIniFile::unreadableFileIsLeftAlone()
+{
+    const QByteArray contents = "[General]\nNumber=7\n";
+    QVERIFY(put(ini(), contents));
+    QVERIFY(handOver({ini(), m_folder->path()}));
+    QCOMPARE(chmod(QFile::encodeName(ini()).constData(), 0200), 0);
+    const auto load = [&] {
+        State state;
+        loadSettings(ini(), state.settings());
+        return state.number == 3;
+    };
+    const auto save = [&] {
+        State state;
+        return saveSettings(ini(), state.settings());
+    };
+    QCOMPARE(asOrdinaryUser(load), Answer::Yes);
+    QCOMPARE(asOrdinaryUser(save), Answer::No);
+    QCOMPARE(chmod(QFile::encodeName(ini()).constData(), 0600), 0);
+    QCOMPARE(contentsOf(ini()), contents);
+    QCOMPARE(asOrdinaryUser(save), Answer::Yes); // it was the permission, nothing else
+}
+
+void TestIniFile::readOnlyFolderIsRefused()
+{
+    const QByteArray contents = "[General]\nNumber=7\n";
+    QVERIFY(put(ini(), contents));
+    QVERIFY(handOver({ini(), m_folder->path()}));
+    const QByteArray folder = QFile::encodeName(m_folder->path());
+    QCOMPARE(chmod(folder.constData(), 0555), 0);
+    const Answer answer = asOrdinaryUser([&] { return writeIniFile(ini(), {{"Number", 8}}); });
+    QCOMPARE(chmod(folder.constData(), 0700), 0);
+    QCOMPARE(answer, Answer::No);
+    QCOMPARE(contentsOf(ini()), contents);
+    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+}
+
+void TestIniFile::workFolderIsReplacedWhenUnusable()
+{
+    QVERIFY(put(ini(), "[General]\nNumber=7\n"));
+    const auto saveAndLoad = [&] {
+        qputenv("TMPDIR", "/no such folder");
+        return writeIniFile(ini(), {{"Text", "𠮷"}}) && read(ini(), "Number").toInt() == 7 &&
+               read(ini(), "Text").toString() == QStringLiteral("𠮷");
+    };
+    QCOMPARE(inChild(saveAndLoad), Answer::Yes);
+    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+}
+
+void TestIniFile::fullDiskLeavesOldFile()
+{
+    QVERIFY(writeIniFile(in("complete.ini"), manyValues(1)));
+    const qint64 size = QFileInfo(in("complete.ini")).size();
+    QVERIFY(writeIniFile(ini(), manyValues(0)));
+    const QByteArray old = contentsOf(ini());
+    const QStringList before = entries(m_folder->path());
+    const auto write = [&] { return writeIniFile(ini(), manyValues(1)); };
+    QVERIFY(old.size() < size / 2);
+    for (const qint64 room : {qint64(0), qint64(1), qint64(4096), qint64(old.size()), size / 2, size - 1}) {
+        QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(room), write), Answer::No);
+        QCOMPARE(contentsOf(ini()), old);
+        QCOMPARE(entries(m_folder->path()), before);
+    }
+    QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(size), write), Answer::Yes);
+    QCOMPARE(contentsOf(ini()), contentsOf(in("complete.ini")));
+}
+
+void TestIniFile::fullSmallDiskLeavesOldFile()
+{
+    const SmallDisk disk(m_folder->path(), "64k");
+    if (!disk.isMounted()) {
+        qInfo("only the file size limit was tested: no small disk can be mounted here");
+        return;
+    }
+    qInfo("tested on a mounted small disk too");
+    QVERIFY(writeIniFile(ini(), manyValues(0)));
+    const QByteArray old = contentsOf(ini());
+    QVERIFY(!writeIniFile(ini(), manyValues(1))); // 180 kB
+    QCOMPARE(contentsOf(ini()), old);
+    const auto writeThere = [&] { // everything on the small disk, the work folder too
+        qputenv("TMPDIR", QFile::encodeName(m_folder->path()));
+        return writeIniFile(ini(), manyValues(1));
+    };
+    QCOMPARE(inChild(writeThere), Answer::No);
+    QCOMPARE(contentsOf(ini()), old);
+    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+}
+
+void TestIniFile::killedProcessLeavesWholeFile()
+{
+    QVERIFY(QDir(m_folder->path()).mkdir("work"));
+    std::mt19937 random(20261122); // NOLINT(cert-msc51-cpp): the same moments in every run
+    const auto writeTwice = [&] {
+        qputenv("TMPDIR",
+                QFile::encodeName(in("work"))); // what a killed process leaves behind goes with the test
+        writeIniFile(ini(), manyValues(0));
+        writeIniFile(ini(), manyValues(1));
+    };
+    for (int i = 0; i < 60; ++i) {
+        QVERIFY(killedInTheMiddle(writeTwice, random));
+        QVERIFY2(holds(ini(), manyValues(0)) || holds(ini(), manyValues(1)),
+                 contentsOf(ini()).right(80).constData());
+    }
+}
+
+void TestIniFile::twoWritersLeaveOneWholeFile()
+{
+    const auto writer = [&](int set) {
+        return [this, set] {
+            bool written = true;
+            for (int i = 0; i < 10; ++i)
+                written = writeIniFile(ini(), manyValues(set)) && written;
+            return written;
+        };
+    };
+    const auto both = [&] {
+        Answer other = Answer::Crashed;
+        std::thread second([&] { other = inChild(writer(1)); });
+        const Answer own = inChild(writer(0));
+        second.join();
+        return own == Answer::Yes && other == Answer::Yes;
+    };
+    QVERIFY(both());
+    QVERIFY(holds(ini(), manyValues(0)) || holds(ini(), manyValues(1)));
+    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+}
+
+QTEST_GUILESS_MAIN(TestIniFile)
+#include "tst_inifile.moc"
