@@ -1,9 +1,9 @@
 #include "convertimage.h"
 
 #include "imagecompare.h"
+#include "messagelog.h"
 
 #include <QColor>
-#include <QTimer>
 #include <QtTest>
 
 #include <cmath>
@@ -17,26 +17,6 @@ constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr int largest = std::numeric_limits<int>::max();
 constexpr int smallest = std::numeric_limits<int>::min();
 const QColor untouched(1, 2, 3, 255);
-
-/// Collects everything that is written through qDebug() and qWarning() while it lives. One at a time.
-class MessageLog
-{
-public:
-    MessageLog() : m_previous(qInstallMessageHandler(collect)) { current = this; }
-    ~MessageLog() { qInstallMessageHandler(m_previous); }
-    Q_DISABLE_COPY_MOVE(MessageLog)
-
-    QStringList lines;
-
-private:
-    static void collect(QtMsgType, const QMessageLogContext &, const QString &text)
-    {
-        current->lines.append(text.simplified());
-    }
-
-    static inline MessageLog *current = nullptr;
-    QtMessageHandler m_previous;
-};
 
 QImage canvas(int width, int height, const QColor &color = Qt::transparent)
 {

@@ -1,0 +1,328 @@
+#include "convertimage.h"
+#include "mapconversion.h"
+
+#include "imagecompare.h"
+#include "messagelog.h"
+#include "referenceengine.h"
+
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <initializer_list>
+#include <limits>
+
+namespace
+{
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr int largest = std::numeric_limits<int>::max();
+constexpr int smallest = std::numeric_limits<int>::min();
+
+/// Seeded chance: the same sets on every machine. Draw twice in one expression only inside braces, where the
+/// order is fixed.
+class Chance
+{
+public:
+    explicit Chance(quint32 seed) : m_generator(seed) {}
+    /// From the first to the last, both included.
+    int number(int first, int last)
+    {
+        return first + static_cast<int>(m_generator.bounded(last - first + 1));
+    }
+    double real(double first, double last) { return first + (last - first) * m_generator.generateDouble(); }
+    bool oneIn(int n) { return number(1, n) == 1; }
+    quint32 word() { return m_generator.generate(); }
+    template <typename T>
+    T of(std::initializer_list<T> values)
+    {
+        return values.begin()[number(0, static_cast<int>(values.size()) - 1)];
+    }
+
+private:
+    QRandomGenerator m_generator;
+};
+
+enum class Kind {
+    Ordinary,
+    LargerMaps,
+    OnePixel,
+    Transparent,
+    BeyondTheEdges,
+    WrappedOffsets,
+    Distances,
+    Angles,
+    LostTopRow,
+    Hostile
+};
+
+/// One photograph and everything that is done with it.
+struct Case {
+    QImage photograph;
+    MapParameters parameters;
+    double rowRatioFactor = 1.0; ///< above 1, rows reach past the top of the map
+    int axis = 3;
+    int angle = 0;
+};
+
+QImage noise(Chance &chance, QSize size, bool transparent)
+{
+    QImage image(size, transparent || chance.oneIn(2) ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            const QRgb pixel = chance.word();
+            image.setPixel(x, y, transparent ? pixel : pixel | 0xff000000U);
+        }
+    }
+    return image;
+}
+
+/// A disc inside a photograph, seen from where all of the arithmetic is at work.
+Case ordinary(Chance &chance, int photographSide, QSize largestMap)
+{
+    Case c;
+    const int width = chance.number(2, photographSide);
+    const int height = chance.number(2, photographSide);
+    c.photograph = noise(chance, QSize(width, height), false);
+    c.parameters.centerX = chance.number(0, width);
+    c.parameters.centerY = chance.number(0, height);
+    c.parameters.radius = chance.number(0, photographSide);
+    c.parameters.distance = chance.oneIn(2) ? chance.real(1.01, 12) : chance.real(12, 200);
+    c.parameters.outputSizeX = chance.number(1, largestMap.width());
+    c.parameters.outputSizeY = chance.number(1, largestMap.height());
+    c.parameters.latitude = chance.of({90.0, 0.0, chance.real(-90, 90), double(chance.number(-90, 90))});
+    c.parameters.longitude =
+        chance.of({-90.0, 0.0, chance.real(-180, 180), double(chance.number(-180, 180))});
+    c.parameters.azimuth = chance.of({0.0, 0.0, chance.real(-180, 180), double(chance.number(-180, 180))});
+    c.rowRatioFactor = chance.of({1.0, 1.3, 0.7});
+    c.axis = chance.of({1, 2, 3, 3, 0, 17});
+    c.angle = chance.number(-400, 400);
+    return c;
+}
+
+int hostileInt(Chance &chance)
+{
+    return chance.of({0, 1, -1, 32767, 32768, -32769, 65536, smallest, smallest + 1, largest - 1, largest,
+                      static_cast<int>(chance.word())});
+}
+
+double hostileReal(Chance &chance)
+{
+    return chance.of({0.0, -0.0, 1.0, 1e-300, -1e300, 1e300, infinity, -infinity, notANumber, 2147483647.0,
+                      2147483648.0, chance.real(-1e10, 1e10)});
+}
+
+Case makeCase(Kind kind, Chance &chance)
+{
+    if (kind == Kind::LargerMaps)
+        return ordinary(chance, 300, {700, 300});
+    Case c = ordinary(chance, 80, {96, 64});
+    MapParameters &p = c.parameters;
+    switch (kind) {
+    case Kind::Ordinary:
+    case Kind::LargerMaps:
+        break;
+    case Kind::OnePixel:
+        c.photograph = noise(chance, QSize{chance.of({1, 40}), chance.of({1, 40})}, true);
+        p.centerX = chance.number(0, 1);
+        p.centerY = 0;
+        p.radius = chance.of({0, 1, 3, 50});
+        if (chance.oneIn(3))
+            p.outputSizeX = 1;
+        if (chance.oneIn(3))
+            p.outputSizeY = chance.number(1, 3);
+        break;
+    case Kind::Transparent:
+        c.photograph = noise(chance, QSize(60, 60), true);
+        if (chance.oneIn(3))
+            c.photograph = c.photograph.convertToFormat(chance.of(
+                {QImage::Format_ARGB32_Premultiplied, QImage::Format_RGB888, QImage::Format_Indexed8,
+                 QImage::Format_Grayscale8, QImage::Format_RGB16, QImage::Format_RGBA64}));
+        break;
+    case Kind::BeyondTheEdges:
+        p.centerX = chance.number(-40, 120);
+        p.centerY = chance.number(-40, 120);
+        p.radius = chance.number(-150, 150);
+        break;
+    case Kind::WrappedOffsets: {
+        // One row or one column: a sample in the direction of the other axis stays on it, however far out.
+        const bool wide = chance.oneIn(2);
+        c.photograph = noise(chance, wide ? QSize(20000, 1) : QSize(1, 20000), false);
+        p.centerX = wide ? chance.number(0, 20000) : 0;
+        p.centerY = wide ? 0 : chance.number(0, 20000);
+        p.radius = chance.number(30000, 300000);
+        p.outputSizeX = 4 * chance.number(1, 4);
+        p.outputSizeY = chance.number(40, 200);
+        break;
+    }
+    case Kind::Distances:
+        p.distance = chance.of({0.5,   0.999,    1.0,       1.0000001,  1.001,
+                                2.0,   6.6,      10.04,     10.05,      10.06,
+                                100.0, 200.0,    0.0,       -6.6,       1e6,
+                                1e300, infinity, -infinity, notANumber, chance.real(0.5, 200)});
+        break;
+    case Kind::Angles:
+        p.latitude = chance.of({chance.real(-10000, 10000), 89.5, 90.5, 35.7, infinity, notANumber, 1e300});
+        p.longitude = chance.of({chance.real(-1500, 1500), -89.9, 270.0, 271.0, 630.0, -infinity, 1e300});
+        p.azimuth = chance.of({0.0, chance.real(-1500, 1500), 0.1, 360.0, -360.0, 720.0, notANumber, -1e300});
+        c.angle = chance.of({hostileInt(chance), chance.number(-100000, 100000), 90, -90, 180});
+        break;
+    case Kind::LostTopRow:
+        c.photograph = noise(chance, QSize{chance.number(1, 20), chance.of({161, 103, 107, 187})}, false);
+        p.centerX = chance.number(0, 20);
+        p.centerY = chance.number(30, 100);
+        p.outputSizeX = chance.number(1, 8);
+        p.outputSizeY = 1024;
+        p.longitude = chance.of({-90.0, 0.0});
+        p.azimuth = 0.0;
+        break;
+    case Kind::Hostile:
+        p.centerX = chance.oneIn(2) ? p.centerX : hostileInt(chance);
+        p.centerY = chance.oneIn(2) ? p.centerY : hostileInt(chance);
+        p.radius = chance.oneIn(2) ? p.radius : hostileInt(chance);
+        p.distance = chance.oneIn(2) ? p.distance : hostileReal(chance);
+        p.latitude = hostileReal(chance);
+        p.longitude = chance.oneIn(2) ? p.longitude : hostileReal(chance);
+        p.azimuth = chance.oneIn(2) ? 0.0 : hostileReal(chance);
+        c.axis = hostileInt(chance);
+        c.angle = hostileInt(chance);
+        break;
+    }
+    return c;
+}
+
+QImage transparentMap(const MapParameters &p)
+{
+    QImage map(p.outputSizeX, p.outputSizeY, QImage::Format_ARGB32_Premultiplied);
+    map.fill(Qt::transparent);
+    return map;
+}
+
+bool isBlank(const QImage &map)
+{
+    QImage blank(map.size(), map.format());
+    blank.fill(Qt::transparent);
+    return map == blank;
+}
+
+QString inSet(int set, const QString &difference)
+{
+    return difference.isEmpty() ? QString() : QStringLiteral("Set %1: %2").arg(set).arg(difference);
+}
+
+/// The globe stage alone: the painted map and the number of samples above its top.
+QString compareGlobe(const Case &c, QImage &map)
+{
+    const MapParameters &p = c.parameters;
+    QImage source = c.photograph.convertToFormat(QImage::Format_ARGB32);
+    const double ratioX = static_cast<double>(p.outputSizeX) / source.width();
+    const double ratioY = p.outputSizeY * 0.5 / source.height() * c.rowRatioFactor;
+
+    QImage expected = transparentMap(p);
+    const qint64 errors =
+        reference::paintGlobe(source, expected, {p.centerX, p.centerY, p.radius, p.distance, ratioX, ratioY});
+
+    MessageLog log;
+    ConvertImage engine;
+    engine.setCenter(p.centerX, p.centerY);
+    engine.setRadius(p.radius);
+    engine.setDistance(p.distance);
+    engine.setOutputRatio(ratioX, ratioY);
+    map = transparentMap(p);
+    engine.convertImage(source, map);
+    const QStringList expectedLines(QStringLiteral("Convert error %1").arg(errors));
+    if (log.lines != expectedLines)
+        return QStringLiteral("\"%1\", expected \"%2\"")
+            .arg(log.lines.join(u'\n'), expectedLines.join(u'\n'));
+    return imageDifference(map, expected);
+}
+
+QString compareRotation(const Case &c, QImage map)
+{
+    QImage expected = transparentMap(c.parameters);
+    reference::rotate(c.axis, c.angle, map, expected);
+    QImage actual = transparentMap(c.parameters);
+    ConvertImage().rotateImage(c.axis, c.angle, map, actual);
+    return imageDifference(actual, expected);
+}
+
+QString compareShift(const Case &c, QImage map)
+{
+    QImage expected = transparentMap(c.parameters);
+    reference::shift(c.parameters.longitude, map, expected);
+    QImage actual = transparentMap(c.parameters);
+    ConvertImage().moveImage(c.parameters.longitude, map, actual);
+    return imageDifference(actual, expected);
+}
+
+QString compareChain(const Case &c, AzimuthCanvas azimuthCanvas, bool &blank)
+{
+    const MapParameters &p = c.parameters;
+    const QImage expected = reference::convert(
+        c.photograph, {p.centerX, p.centerY, p.radius, p.distance, p.outputSizeX, p.outputSizeY, p.latitude,
+                       p.longitude, p.azimuth, azimuthCanvas == AzimuthCanvas::Transparent});
+    const MessageLog log;
+    blank = isBlank(expected);
+    return imageDifference(convertToMap(c.photograph, p, azimuthCanvas), expected);
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(Kind)
+
+class tst_Exactness : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void agreesWithTheSlowEngine_data();
+    void agreesWithTheSlowEngine();
+};
+
+void tst_Exactness::agreesWithTheSlowEngine_data()
+{
+    QTest::addColumn<Kind>("kind");
+    QTest::addColumn<int>("sets");
+    QTest::addColumn<int>("paintedDiscs");
+    QTest::addColumn<int>("paintedMaps");
+    QTest::newRow("ordinary discs") << Kind::Ordinary << 300 << 250 << 230;
+    QTest::newRow("larger maps") << Kind::LargerMaps << 10 << 10 << 10;
+    QTest::newRow("images of one pixel, row or column") << Kind::OnePixel << 100 << 40 << 30;
+    QTest::newRow("transparent pictures, other formats") << Kind::Transparent << 60 << 50 << 50;
+    QTest::newRow("discs beyond every edge") << Kind::BeyondTheEdges << 100 << 60 << 60;
+    QTest::newRow("offsets beyond 16 bits") << Kind::WrappedOffsets << 60 << 60 << 40;
+    QTest::newRow("near, far and impossible distances") << Kind::Distances << 100 << 60 << 60;
+    QTest::newRow("large, negative and impossible angles") << Kind::Angles << 100 << 90 << 10;
+    QTest::newRow("photographs whose top row is lost") << Kind::LostTopRow << 40 << 30 << 15;
+    QTest::newRow("values of every kind") << Kind::Hostile << 200 << 20 << 5;
+}
+
+void tst_Exactness::agreesWithTheSlowEngine()
+{
+    QFETCH(Kind, kind);
+    QFETCH(int, sets);
+    QFETCH(int, paintedDiscs);
+    QFETCH(int, paintedMaps);
+    int discs = 0;
+    int maps = 0;
+    for (int set = 0; set < sets; ++set) {
+        Chance chance(static_cast<quint32>(1000 * static_cast<int>(kind) + set));
+        const Case c = makeCase(kind, chance);
+        QImage map;
+        bool blank = true;
+        for (const QString &difference : {compareGlobe(c, map), compareRotation(c, map), compareShift(c, map),
+                                          compareChain(c, AzimuthCanvas::Null, blank),
+                                          compareChain(c, AzimuthCanvas::Transparent, blank)}) {
+            if (!difference.isEmpty())
+                QFAIL(qPrintable(inSet(set, difference)));
+        }
+        discs += isBlank(map) ? 0 : 1;
+        maps += blank ? 0 : 1;
+    }
+    // Comparing one empty map with another would prove nothing.
+    QVERIFY2(discs >= paintedDiscs, qPrintable(QString::number(discs)));
+    QVERIFY2(maps >= paintedMaps, qPrintable(QString::number(maps)));
+}
+
+QTEST_GUILESS_MAIN(tst_Exactness)
+#include "tst_exactness.moc"
