@@ -1,0 +1,514 @@
+#include "mapconversion.h"
+
+#include "convertimage.h"
+#include "imagecompare.h"
+#include "messagelog.h"
+#include "referenceengine.h"
+
+#include <QColor>
+#include <QFile>
+#include <QTimer>
+#include <QtTest>
+
+#include <limits>
+
+#ifdef Q_OS_LINUX
+#include <sys/resource.h>
+#include <unistd.h>
+#endif
+
+namespace
+{
+
+constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr int largest = std::numeric_limits<int>::max();
+constexpr int smallest = std::numeric_limits<int>::min();
+
+QImage canvas(QSize size)
+{
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+/// A photograph whose colours say where they stand.
+QImage located(int width, int height)
+{
+    QImage image(width, height, QImage::Format_ARGB32);
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x)
+            image.setPixelColor(x, y, QColor(x / 256, x % 256, y % 256));
+    }
+    return image;
+}
+
+const QImage &photograph()
+{
+    static const QImage image = located(101, 91);
+    return image;
+}
+
+/// A disc that fills the photograph, and a chain that skips every step after the first.
+MapParameters globeStageOnly()
+{
+    MapParameters p;
+    p.centerX = 50;
+    p.centerY = 45;
+    p.radius = 44;
+    p.distance = 6.6;
+    p.outputSizeX = 128;
+    p.outputSizeY = 64;
+    p.latitude = 90.0;
+    p.longitude = -90.0;
+    p.azimuth = 0.0;
+    return p;
+}
+
+QImage convert(const MapParameters &p, AzimuthCanvas azimuthCanvas = AzimuthCanvas::Transparent)
+{
+    const MessageLog silent;
+    return convertToMap(photograph(), p, azimuthCanvas);
+}
+
+/// The map of the globe stage alone, made by hand.
+QImage globeStage()
+{
+    const MapParameters p = globeStageOnly();
+    QImage source = photograph();
+    QImage map = canvas({p.outputSizeX, p.outputSizeY});
+    ConvertImage engine;
+    engine.setCenter(p.centerX, p.centerY);
+    engine.setRadius(p.radius);
+    engine.setDistance(p.distance);
+    engine.setOutputRatio(128.0 / 101, 64 * 0.5 / 91);
+    const MessageLog silent;
+    engine.convertImage(source, map);
+    return map;
+}
+
+QImage shifted(QImage map, int toTheRight)
+{
+    QImage result = canvas(map.size());
+    for (int y = 0; y < map.height(); ++y) {
+        for (int x = 0; x < map.width(); ++x)
+            result.setPixelColor((x + toTheRight + map.width()) % map.width(), y, map.pixelColor(x, y));
+    }
+    return result;
+}
+
+QImage rotated(QImage map, int angle)
+{
+    QImage result = canvas(map.size());
+    ConvertImage().rotateImage(3, angle, map, result);
+    return result;
+}
+
+} // namespace
+
+class tst_MapConversion : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void computesTheRatios();
+    void skipsEveryStepAtThePole();
+    void appliesTheStepsInOrder();
+    void azimuthTurnsToTheLeft_data();
+    void azimuthTurnsToTheLeft();
+    void smallAnglesBlankTheMap_data();
+    void smallAnglesBlankTheMap();
+    void longitudeMovesToTheRight_data();
+    void longitudeMovesToTheRight();
+    void latitudeIsTruncated_data();
+    void latitudeIsTruncated();
+    void resamplesForAnyLatitudeButThePole();
+    void azimuthWithoutCanvasEmptiesTheMap();
+    void convertsAnyFormat_data();
+    void convertsAnyFormat();
+    void leavesThePhotographAlone();
+    void survivesChangesDuringEvents();
+    void nullPhotographGivesNullMap();
+    void impossibleSizesGiveNullMaps_data();
+    void impossibleSizesGiveNullMaps();
+    void bearsAnyValue_data();
+    void bearsAnyValue();
+#ifdef Q_OS_LINUX
+    void canvasesThatDoNotFitGiveNullMaps_data();
+    void canvasesThatDoNotFitGiveNullMaps();
+    void laterCanvasesThatDoNotFitDoNoHarm_data();
+    void laterCanvasesThatDoNotFitDoNoHarm();
+    void photographThatCannotBeConvertedGivesNullMap();
+#endif
+};
+
+void tst_MapConversion::computesTheRatios()
+{
+    const OutputRatio ratio = outputRatio(QSize(1000, 161), QSize(2048, 1023));
+    QCOMPARE(ratio.x, 2.048);
+    QVERIFY(ratio.y == 511.5 / 161);
+}
+
+void tst_MapConversion::skipsEveryStepAtThePole()
+{
+    MessageLog log;
+    const QImage map = convertToMap(photograph(), globeStageOnly());
+    QCOMPARE(log.lines, QStringList("Convert error 0"));
+    QCOMPARE(map.format(), QImage::Format_ARGB32_Premultiplied);
+    COMPARE_IMAGES(map, globeStage());
+    QVERIFY(map != canvas(map.size()));
+}
+
+void tst_MapConversion::appliesTheStepsInOrder()
+{
+    MapParameters p = globeStageOnly();
+    p.azimuth = 45.0;
+    p.latitude = 20.0;
+    p.longitude = 30.0;
+    // 128 columns: 45 degrees are 16 of them, 120 degrees 42.67.
+    COMPARE_IMAGES(convert(p), shifted(rotated(shifted(globeStage(), -16), 70), 42));
+}
+
+void tst_MapConversion::azimuthTurnsToTheLeft_data()
+{
+    QTest::addColumn<double>("azimuth");
+    QTest::addColumn<int>("toTheRight");
+    QTest::newRow("90 degrees: a quarter to the left") << 90.0 << -32;
+    QTest::newRow("-90 degrees: a quarter to the right") << -90.0 << 32;
+    QTest::newRow("360 degrees: the same picture") << 360.0 << 0;
+    QTest::newRow("450 degrees are 90") << 450.0 << -32;
+}
+
+void tst_MapConversion::azimuthTurnsToTheLeft()
+{
+    QFETCH(double, azimuth);
+    QFETCH(int, toTheRight);
+    MapParameters p = globeStageOnly();
+    p.azimuth = azimuth;
+    COMPARE_IMAGES(convert(p), shifted(globeStage(), toTheRight));
+}
+
+void tst_MapConversion::smallAnglesBlankTheMap_data()
+{
+    QTest::addColumn<double>("azimuth");
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<bool>("blank");
+    QTest::newRow("azimuth of 0.1 degrees, less than a column") << 0.1 << -90.0 << true;
+    QTest::newRow("azimuth of -0.1 degrees") << -0.1 << -90.0 << true;
+    QTest::newRow("longitude just beside -90") << 0.0 << -89.9 << true;
+    QTest::newRow("longitude just beside -90, to the west") << 0.0 << -90.1 << true;
+    QTest::newRow("azimuth that is no number") << notANumber << -90.0 << true;
+    QTest::newRow("azimuth without end") << infinity << -90.0 << true;
+    QTest::newRow("longitude that is no number") << 0.0 << notANumber << true;
+    QTest::newRow("longitude without end") << 0.0 << -infinity << true;
+    QTest::newRow("minus zero is no azimuth") << -0.0 << -90.0 << false;
+    QTest::newRow("one column of azimuth") << 360.0 / 128 << -90.0 << false;
+    QTest::newRow("one column of longitude") << 0.0 << -90 + 360.0 / 128 << false;
+}
+
+void tst_MapConversion::smallAnglesBlankTheMap()
+{
+    QFETCH(double, azimuth);
+    QFETCH(double, longitude);
+    QFETCH(bool, blank);
+    MapParameters p = globeStageOnly();
+    p.azimuth = azimuth;
+    p.longitude = longitude;
+    QCOMPARE(convert(p) == canvas(QSize(128, 64)), blank);
+}
+
+void tst_MapConversion::longitudeMovesToTheRight_data()
+{
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<int>("toTheRight");
+    QTest::newRow("0: a quarter") << 0.0 << 32;
+    QTest::newRow("180: three quarters") << 180.0 << 96;
+    QTest::newRow("-180: a quarter to the left") << -180.0 << -32;
+    QTest::newRow("10.5: 100.5 degrees are 35.7 columns, truncated") << 10.5 << 35;
+    QTest::newRow("270: the whole picture") << 270.0 << 128;
+}
+
+void tst_MapConversion::longitudeMovesToTheRight()
+{
+    QFETCH(double, longitude);
+    QFETCH(int, toTheRight);
+    MapParameters p = globeStageOnly();
+    p.longitude = longitude;
+    COMPARE_IMAGES(convert(p), shifted(globeStage(), toTheRight));
+}
+
+void tst_MapConversion::latitudeIsTruncated_data()
+{
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<int>("angle");
+    QTest::newRow("35.7: 54 degrees") << 35.7 << 54;
+    QTest::newRow("36: 54 degrees") << 36.0 << 54;
+    QTest::newRow("35.00001: 54 degrees") << 35.00001 << 54;
+    QTest::newRow("35: 55 degrees") << 35.0 << 55;
+    QTest::newRow("89.5: 0 degrees") << 89.5 << 0;
+    QTest::newRow("90.5: 0 degrees") << 90.5 << 0;
+    QTest::newRow("91.5: -1 degree") << 91.5 << -1;
+    QTest::newRow("-90: 180 degrees") << -90.0 << 180;
+    QTest::newRow("no number: the smallest int") << notANumber << smallest;
+    QTest::newRow("infinity: the smallest int") << infinity << smallest;
+    QTest::newRow("more than any int: the smallest int") << -1e10 << smallest;
+}
+
+void tst_MapConversion::latitudeIsTruncated()
+{
+    QFETCH(double, latitude);
+    QFETCH(int, angle);
+    MapParameters p = globeStageOnly();
+    p.latitude = latitude;
+    COMPARE_IMAGES(convert(p), rotated(globeStage(), angle));
+}
+
+void tst_MapConversion::resamplesForAnyLatitudeButThePole()
+{
+    // Turned by 0 degrees the map comes from up to one pixel to the left and above.
+    MapParameters p = globeStageOnly();
+    p.latitude = 89.5;
+    const QImage map = convert(p);
+    const QImage unturned = globeStage();
+    QVERIFY(map != unturned);
+    for (int y = 0; y < 64; ++y) {
+        for (int x = 0; x < 128; ++x) {
+            const int left = qMax(x - 1, 0);
+            const int above = qMax(y - 1, 0);
+            const QColor colour = map.pixelColor(x, y);
+            QVERIFY(colour == unturned.pixelColor(left, above) || colour == unturned.pixelColor(x, above) ||
+                    colour == unturned.pixelColor(left, y) || colour == unturned.pixelColor(x, y));
+        }
+    }
+}
+
+void tst_MapConversion::azimuthWithoutCanvasEmptiesTheMap()
+{
+    MapParameters p = globeStageOnly();
+    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), globeStage());
+
+    p.azimuth = 30.0;
+    QVERIFY(convert(p, AzimuthCanvas::Null).isNull());
+    p.latitude = 35.0;
+    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), canvas(QSize(128, 64)));
+    p.longitude = 135.0;
+    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), canvas(QSize(128, 64)));
+    p.latitude = 90.0;
+    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), canvas(QSize(128, 64)));
+
+    p = globeStageOnly();
+    p.latitude = 35.0;
+    p.longitude = 135.0;
+    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), convert(p));
+}
+
+void tst_MapConversion::convertsAnyFormat_data()
+{
+    QTest::addColumn<QImage::Format>("format");
+    QTest::newRow("one bit") << QImage::Format_Mono;
+    QTest::newRow("palette") << QImage::Format_Indexed8;
+    QTest::newRow("grey") << QImage::Format_Grayscale8;
+    QTest::newRow("16 bits") << QImage::Format_RGB16;
+    QTest::newRow("24 bits") << QImage::Format_RGB888;
+    QTest::newRow("32 bits without alpha") << QImage::Format_RGB32;
+    QTest::newRow("premultiplied") << QImage::Format_ARGB32_Premultiplied;
+    QTest::newRow("64 bits") << QImage::Format_RGBA64;
+}
+
+void tst_MapConversion::convertsAnyFormat()
+{
+    QFETCH(QImage::Format, format);
+    const QImage other = photograph().convertToFormat(format);
+    const MessageLog silent;
+    COMPARE_IMAGES(convertToMap(other, globeStageOnly()),
+                   convertToMap(other.convertToFormat(QImage::Format_ARGB32), globeStageOnly()));
+}
+
+void tst_MapConversion::leavesThePhotographAlone()
+{
+    const QImage before = located(101, 91);
+    convert(globeStageOnly());
+    COMPARE_IMAGES(photograph(), before);
+}
+
+void tst_MapConversion::survivesChangesDuringEvents()
+{
+    // The window loads another photograph and changes every value while a conversion handles events.
+    QImage image = located(101, 91);
+    MapParameters p = globeStageOnly();
+    p.latitude = 35.0;
+    p.longitude = 135.0;
+    p.azimuth = 30.0;
+    const QImage expected = convert(p);
+    int changes = 0;
+    QTimer timer;
+    connect(&timer, &QTimer::timeout, this, [&] {
+        ++changes;
+        image.fill(Qt::green);
+        image = QImage();
+        p = MapParameters();
+        p.outputSizeX = -1;
+    });
+    timer.start(0);
+    const MessageLog silent;
+    COMPARE_IMAGES(convertToMap(image, p), expected);
+    QVERIFY(changes > 0);
+}
+
+void tst_MapConversion::nullPhotographGivesNullMap()
+{
+    QVERIFY(convertToMap(QImage(), globeStageOnly()).isNull());
+    QVERIFY(convertToMap(QImage(), MapParameters(), AzimuthCanvas::Null).isNull());
+}
+
+void tst_MapConversion::impossibleSizesGiveNullMaps_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("no pixel") << QSize(0, 0);
+    QTest::newRow("no column") << QSize(0, 64);
+    QTest::newRow("no row") << QSize(64, 0);
+    QTest::newRow("negative") << QSize(-2048, -1024);
+    QTest::newRow("negative width, any height") << QSize(-1, largest);
+    QTest::newRow("the smallest int") << QSize(smallest, smallest);
+    QTest::newRow("the largest int") << QSize(largest, largest);
+    QTest::newRow("the largest width") << QSize(largest, 1);
+}
+
+void tst_MapConversion::impossibleSizesGiveNullMaps()
+{
+    QFETCH(QSize, size);
+    MapParameters p = globeStageOnly();
+    p.outputSizeX = size.width();
+    p.outputSizeY = size.height();
+    p.latitude = 35.0;
+    p.longitude = 135.0;
+    QVERIFY(convert(p).isNull());
+    p.azimuth = 30.0;
+    QVERIFY(convert(p).isNull());
+    QVERIFY(convert(p, AzimuthCanvas::Null).isNull());
+}
+
+void tst_MapConversion::bearsAnyValue_data()
+{
+    QTest::addColumn<int>("integer");
+    QTest::addColumn<double>("real");
+    QTest::newRow("nothing but zeros") << 0 << 0.0;
+    QTest::newRow("the largest") << largest << std::numeric_limits<double>::max();
+    QTest::newRow("the smallest") << smallest << std::numeric_limits<double>::lowest();
+    QTest::newRow("no number") << -1 << notANumber;
+    QTest::newRow("infinity") << 32768 << infinity;
+    QTest::newRow("minus infinity") << -32769 << -infinity;
+}
+
+void tst_MapConversion::bearsAnyValue()
+{
+    QFETCH(int, integer);
+    QFETCH(double, real);
+    MapParameters p = globeStageOnly();
+    p.centerX = p.centerY = p.radius = integer;
+    p.distance = p.latitude = p.longitude = p.azimuth = real;
+    const QImage expected =
+        reference::convert(photograph(), {p.centerX, p.centerY, p.radius, p.distance, p.outputSizeX,
+                                          p.outputSizeY, p.latitude, p.longitude, p.azimuth, true});
+    COMPARE_IMAGES(convert(p), expected);
+}
+
+#ifdef Q_OS_LINUX
+
+namespace
+{
+
+/// While it lives, the process gets no more than so many further bytes.
+class MemoryLimit
+{
+public:
+    explicit MemoryLimit(rlim_t bytes)
+    {
+        getrlimit(RLIMIT_AS, &m_before);
+        QFile statm(QStringLiteral("/proc/self/statm"));
+        if (!statm.open(QIODevice::ReadOnly))
+            qFatal("The size of the process is unknown");
+        const rlim_t pages = statm.readAll().split(' ').first().toULong();
+        rlimit limit = m_before;
+        limit.rlim_cur = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + bytes;
+        setrlimit(RLIMIT_AS, &limit);
+    }
+    ~MemoryLimit() { setrlimit(RLIMIT_AS, &m_before); }
+    Q_DISABLE_COPY_MOVE(MemoryLimit)
+
+private:
+    rlimit m_before{};
+};
+
+constexpr rlim_t mebibyte = 1024 * 1024;
+
+} // namespace
+
+void tst_MapConversion::canvasesThatDoNotFitGiveNullMaps_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("64 MB") << QSize(4096, 4096);
+    QTest::newRow("1 GB") << QSize(16384, 16384);
+    QTest::newRow("one column of 2147483647 rows") << QSize(1, largest);
+    QTest::newRow("one row of 500 million columns") << QSize(500000000, 1);
+}
+
+void tst_MapConversion::canvasesThatDoNotFitGiveNullMaps()
+{
+    QFETCH(QSize, size);
+    MapParameters p = globeStageOnly();
+    p.outputSizeX = size.width();
+    p.outputSizeY = size.height();
+    photograph();
+    const MemoryLimit limit(32 * mebibyte);
+    QVERIFY(convert(p).isNull());
+    p.azimuth = 30.0;
+    p.latitude = 35.0;
+    QVERIFY(convert(p, AzimuthCanvas::Null).isNull());
+}
+
+void tst_MapConversion::laterCanvasesThatDoNotFitDoNoHarm_data()
+{
+    QTest::addColumn<double>("azimuth");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<double>("longitude");
+    QTest::newRow("azimuth") << 30.0 << 90.0 << -90.0;
+    QTest::newRow("latitude") << 0.0 << 35.0 << -90.0;
+    QTest::newRow("longitude") << 0.0 << 90.0 << 135.0;
+    QTest::newRow("all") << 30.0 << 35.0 << 135.0;
+}
+
+void tst_MapConversion::laterCanvasesThatDoNotFitDoNoHarm()
+{
+    QFETCH(double, azimuth);
+    QFETCH(double, latitude);
+    QFETCH(double, longitude);
+    // Seen from the surface: the globe stage paints nothing, so that large maps take no time.
+    MapParameters p = globeStageOnly();
+    p.distance = 1.0;
+    p.outputSizeX = 2048;
+    p.outputSizeY = 1024;
+    p.azimuth = azimuth;
+    p.latitude = latitude;
+    p.longitude = longitude;
+    photograph();
+    for (const rlim_t mebibytes : {9, 12, 17, 20}) {
+        const MemoryLimit limit(mebibytes * mebibyte);
+        const QImage map = convert(p);
+        QVERIFY(map.isNull() || map == canvas(QSize(2048, 1024)));
+    }
+}
+
+void tst_MapConversion::photographThatCannotBeConvertedGivesNullMap()
+{
+    // 48 MB as bytes of grey, never touched; 192 MB as 32-bit colours.
+    const QImage large(8192, 6144, QImage::Format_Grayscale8);
+    const MemoryLimit limit(96 * mebibyte);
+    const MessageLog silent;
+    QVERIFY(convertToMap(large, globeStageOnly()).isNull());
+}
+
+#endif
+
+QTEST_GUILESS_MAIN(tst_MapConversion)
+#include "tst_mapconversion.moc"
