@@ -23,7 +23,7 @@ int extent(int first, int last)
 } // namespace
 
 PictureScale::PictureScale(QSize widget, QSize picture, bool fitted)
-    : m_picture(picture), m_widgetToPicture(1.0), m_pictureToWidget(1.0)
+    : m_picture(picture)
 {
     if (!fitted)
         return;

@@ -37,6 +37,6 @@ public:
 
 private:
     QSize m_picture;
-    double m_widgetToPicture;
-    double m_pictureToWidget;
+    double m_widgetToPicture = 1.0;
+    double m_pictureToWidget = 1.0;
 };
