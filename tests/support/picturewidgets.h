@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QApplication>
+#include <QImage>
+#include <QMouseEvent>
+#include <QPixmap>
+#include <QStringList>
+#include <QWidget>
+
+#include <utility>
+
+/// What the tests of the two picture widgets share.
+namespace picturewidgets
+{
+
+constexpr Qt::MouseButtons noButton = Qt::NoButton;
+constexpr Qt::MouseButtons leftButton = Qt::LeftButton;
+constexpr Qt::MouseButtons rightButton = Qt::RightButton;
+constexpr Qt::MouseButtons bothButtons = Qt::LeftButton | Qt::RightButton;
+
+/// A picture in which no two neighbours are alike.
+inline QPixmap pattern(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            image.setPixel(x, y, qRgb(x * 37 % 256, y * 59 % 256, (x + y) * 83 % 256));
+    return QPixmap::fromImage(image);
+}
+
+/// Everything that a picture widget reports, in order and as text: "size_changed 10 20 1".
+class GestureReports
+{
+public:
+    template <typename Widget>
+    explicit GestureReports(Widget &widget)
+    {
+        note(widget, "mouseleftdown", &Widget::mouseleftdown);
+        note(widget, "mouseleftup", &Widget::mouseleftup);
+        note(widget, "mouserightup", &Widget::mouserightup);
+        note(widget, "clicked", &Widget::clicked);
+        note(widget, "size_changed", &Widget::size_changed);
+        note(widget, "size_changing", &Widget::size_changing);
+    }
+
+    template <typename Widget, typename... Numbers>
+    void note(Widget &widget, const QString &name, void (Widget::*signal)(Numbers...))
+    {
+        QObject::connect(&widget, signal, &m_receiver, [this, name](Numbers... numbers) {
+            QStringList line{name};
+            (line.append(QString::number(numbers)), ...);
+            m_lines.append(line.join(' '));
+        });
+    }
+
+    /// What was reported since the last call.
+    QStringList take() { return std::exchange(m_lines, {}); }
+
+private:
+    QStringList m_lines;
+    QObject m_receiver;
+};
+
+/// Sends one mouse event.
+/// @param held  the buttons that are down after it
+/// @return whether the widget accepted it
+inline bool send(QWidget &widget, QEvent::Type type, QPoint position, Qt::MouseButton changed,
+                 Qt::MouseButtons held)
+{
+    QMouseEvent event(type, position, changed, held, Qt::NoModifier);
+    QApplication::sendEvent(&widget, &event);
+    return event.isAccepted();
+}
+
+inline void press(QWidget &widget, QPoint position, Qt::MouseButton changed = Qt::LeftButton,
+                  Qt::MouseButtons held = leftButton)
+{
+    send(widget, QEvent::MouseButtonPress, position, changed, held);
+}
+
+inline bool move(QWidget &widget, QPoint position, Qt::MouseButtons held)
+{
+    return send(widget, QEvent::MouseMove, position, Qt::NoButton, held);
+}
+
+inline void release(QWidget &widget, QPoint position, Qt::MouseButton changed = Qt::LeftButton,
+                    Qt::MouseButtons held = noButton)
+{
+    send(widget, QEvent::MouseButtonRelease, position, changed, held);
+}
+
+/// What the widget itself paints over a green background.
+inline QImage painted(QWidget &widget)
+{
+    QImage image(widget.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::green);
+    widget.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
+    return image;
+}
+
+} // namespace picturewidgets
