@@ -86,8 +86,8 @@ std::unique_ptr<QSettings> openFresh(const QTemporaryDir &folder, const QByteArr
     return written ? settingsAt(file.fileName()) : nullptr;
 }
 
-/// Makes QSettings take every value apart. @return false if one of them asks for more memory than there is,
-/// which a damaged "@Variant(...)" can do
+/// Makes QSettings take every value apart.
+/// @return false if one of them asks for more memory than there is, which a damaged "@Variant(...)" can do
 bool isReadable(const QSettings &settings)
 {
     try {

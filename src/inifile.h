@@ -10,22 +10,24 @@
 
 class QSettings;
 
-/// Opens an ini file the way all our ini files are read: ini format, UTF-8. A file that is missing or cannot be
-/// read behaves as an empty one.
+/// Opens an ini file the way all our ini files are read: ini format, UTF-8. A file that is missing or cannot
+/// be read behaves as an empty one.
 std::unique_ptr<QSettings> openIniFile(const QString &path);
 
 /// Writes values into an ini file, in this order, keeping the keys that the file already holds. The file is
 /// afterwards the whole new one or, after any failure, the whole old one.
-/// Text is stored as plain UTF-8, characters beyond the basic plane included.
+/// Text is stored as plain UTF-8, characters beyond the basic plane included. A missing folder is made; a
+/// file that exists and cannot be read is left alone.
 /// @return whether the new file is complete on the disk
 bool writeIniFile(const QString &path, const QVector<QPair<QString, QVariant>> &values);
 
 /// One value of the settings file: its key, its default, and how it gets into and out of the program.
 struct Setting {
     QString key;
-    QVariant defaultValue;                      ///< its type is the type of the value
-    std::function<QVariant()> value;            ///< the current value, for saving
-    std::function<void(const QVariant &)> take; ///< receives the file's value, or the default if the key is absent
+    QVariant defaultValue;           ///< its type is the type of the value
+    std::function<QVariant()> value; ///< the current value, for saving
+    /// Receives the file's value, or the default if the key is absent.
+    std::function<void(const QVariant &)> take;
 };
 
 /// A setting that is one variable of type T (bool, int, double, QString): converted as QVariant converts.

@@ -3,10 +3,10 @@
 class QImage;
 class QString;
 
-/// Writes a finished map so that an older file of that name is never lost: the image is encoded in memory, and
-/// only a complete encoding replaces the file.
+/// Writes a finished map so that an older file of that name is never lost: the image is encoded in memory,
+/// and only a complete encoding replaces the file.
 /// @param format   "jpg" or "png"; the extension of the path is not looked at
 /// @param quality  1 .. 100 for both formats, as QImage::save takes it; larger values count as 100
-/// @return false for a null image, a failed encoding and a failed write; the old file is then as it was, except
-///         where a writable file in a read-only folder had to be overwritten in place
+/// @return false for a null image, a failed encoding and a failed write; the old file is then as it was,
+///         except where a writable file in a read-only folder had to be overwritten in place
 bool saveMap(const QImage &map, const QString &path, const char *format, int quality);

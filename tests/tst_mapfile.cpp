@@ -32,7 +32,8 @@ QImage map(int width, int height, uint seed = 1)
     std::mt19937 random(seed);
     for (int y = 0; y < height; ++y) {
         for (int x = y % 3; x < width; x += 2)
-            image.setPixelColor(x, y, QColor::fromRgb(qRgb(x * 3 % 256, y * 5 % 256, random() % 256)));
+            image.setPixelColor(
+                x, y, QColor::fromRgb(qRgb(x * 3 % 256, y * 5 % 256, static_cast<int>(random() % 256))));
     }
     return image;
 }
