@@ -1,0 +1,648 @@
+#include "selectioncircle.h"
+
+#include <QElapsedTimer>
+#include <QImage>
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QRegion>
+#include <QtTest>
+
+#include <climits>
+#include <cmath>
+
+Q_DECLARE_METATYPE(SelectionCircle)
+Q_DECLARE_METATYPE(CircleZone)
+Q_DECLARE_METATYPE(std::optional<Qt::CursorShape>)
+
+static bool operator==(const SelectionCircle &a, const SelectionCircle &b)
+{
+    return a.centerX == b.centerX && a.centerY == b.centerY && a.radius == b.radius;
+}
+
+namespace
+{
+
+/// The zones as the toolkit's regions give them.
+class RegionZones
+{
+public:
+    explicit RegionZones(const SelectionCircle &circle)
+        : m_circle(circle)
+        , m_handle(square(8), QRegion::Ellipse)
+        , m_inner(square(circle.radius - 8), QRegion::Ellipse)
+        , m_outer(square(circle.radius + 8), QRegion::Ellipse)
+    {
+    }
+
+    CircleZone at(QPoint p) const
+    {
+        if (m_handle.contains(p))
+            return CircleZone::CentreHandle;
+        if (m_outer.contains(p) && !m_inner.contains(p))
+            return CircleZone::Ring;
+        if (!square(m_circle.radius + 8).contains(p))
+            return CircleZone::Outside;
+        return square(m_circle.radius - 8).contains(p) ? CircleZone::Inside : CircleZone::Corner;
+    }
+
+private:
+    QRect square(int halfSide) const
+    {
+        return {QPoint(m_circle.centerX - halfSide, m_circle.centerY - halfSide),
+                QPoint(m_circle.centerX + halfSide, m_circle.centerY + halfSide)};
+    }
+
+    SelectionCircle m_circle;
+    QRegion m_handle;
+    QRegion m_inner;
+    QRegion m_outer;
+};
+
+/// The drawing in its plainest form, in ints; for values whose sums are ints.
+void drawPlainly(QImage &picture, const SelectionCircle &circle, const QColor &penColor, int penSize,
+                 Qt::PenStyle square)
+{
+    const auto [cx, cy, r] = circle;
+    QPen pen(QBrush(penColor), penSize, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
+    QPainter painter(&picture);
+    painter.setPen(pen);
+    painter.drawEllipse(cx - r, cy - r, 2 * r, 2 * r);
+    painter.drawLine(cx, cy - 2 * penSize, cx, cy + 2 * penSize);
+    painter.drawLine(cx - 2 * penSize, cy, cx + 2 * penSize, cy);
+    pen.setStyle(square);
+    painter.setPen(pen);
+    painter.drawRect(QRect(QPoint(cx - r, cy - r), QPoint(cx + r, cy + r)));
+}
+
+/// Random pictures and circles from a fixed seed.
+class Chance
+{
+public:
+    int between(int low, int high) { return m_random.bounded(low, high + 1); }
+    bool oneIn(int n) { return m_random.bounded(n) == 0; }
+
+    QColor color() { return QColor::fromRgba(m_random.generate() | (oneIn(2) ? 0xff000000U : 0U)); }
+
+    QImage picture(bool withAlpha)
+    {
+        QImage image(between(1, 160), between(1, 160), QImage::Format_ARGB32);
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                image.setPixel(x, y, m_random.generate() | (withAlpha ? 0U : 0xff000000U));
+        return image;
+    }
+
+    SelectionCircle circle(QSize picture, int largestRadius)
+    {
+        return {between(-60, picture.width() + 60), between(-60, picture.height() + 60),
+                between(-largestRadius / 4, largestRadius)};
+    }
+
+private:
+    QRandomGenerator m_random{20};
+};
+
+QImage transparent(int width, int height)
+{
+    QImage image(width, height, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    return image;
+}
+
+/// A picture of characters: red '#', untouched '.', anything else '?'.
+QStringList charted(const QImage &picture)
+{
+    QStringList rows;
+    for (int y = 0; y < picture.height(); ++y) {
+        QString row;
+        for (int x = 0; x < picture.width(); ++x) {
+            const QRgb pixel = picture.pixel(x, y);
+            row += pixel == qRgb(255, 0, 0) ? '#' : pixel == 0 ? '.' : '?';
+        }
+        rows.append(row);
+    }
+    return rows;
+}
+
+/// The pixels that are not transparent.
+QRect extentOf(const QImage &picture)
+{
+    QRect extent;
+    for (int y = 0; y < picture.height(); ++y)
+        for (int x = 0; x < picture.width(); ++x)
+            if (picture.pixel(x, y) != 0)
+                extent |= QRect(x, y, 1, 1);
+    return extent;
+}
+
+} // namespace
+
+class TestSelectionCircle : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void fitsAPhotograph_data();
+    void fitsAPhotograph();
+    void stepsAndMoves();
+    void resizesToTheFartherDistance_data();
+    void resizesToTheFartherDistance();
+    void drawsANewCircleFromTheLongerSide_data();
+    void drawsANewCircleFromTheLongerSide();
+    void wrapsInsteadOfOverflowing();
+
+    void namesTheZone_data();
+    void namesTheZone();
+    void showsTheCursor_data();
+    void showsTheCursor();
+    void zonesEqualRegionsOnAGrid();
+    void zonesEqualRegionsOnLargeRings_data();
+    void zonesEqualRegionsOnLargeRings();
+    void answersAtOnce_data();
+    void answersAtOnce();
+
+    void drawsTheExactPixels_data();
+    void drawsTheExactPixels();
+    void drawsTheSquareOnePixelWider();
+    void drawsTheCrossTwiceAsLongAsThePen();
+    void drawsTheSameAsThePlainWay();
+    void neverHangsOnHostileValues_data();
+    void neverHangsOnHostileValues();
+    void drawsAnythingAnywhere();
+
+    void knowsWhereItDraws();
+    void keepsItsRectanglesApartAndInside();
+    void keepsItsRectanglesNarrow();
+    void admitsWhatItDoesNotKnow_data();
+    void admitsWhatItDoesNotKnow();
+};
+
+void TestSelectionCircle::fitsAPhotograph_data()
+{
+    QTest::addColumn<QSize>("photograph");
+    QTest::addColumn<SelectionCircle>("expected");
+    QTest::newRow("landscape: 0.98 of half the height") << QSize(1000, 700) << SelectionCircle{500, 350, 343};
+    QTest::newRow("portrait: 0.98 of half the width") << QSize(700, 1000) << SelectionCircle{350, 500, 343};
+    QTest::newRow("odd sizes: halves and radius cut off") << QSize(101, 99) << SelectionCircle{50, 49, 48};
+    QTest::newRow("1 x 1") << QSize(1, 1) << SelectionCircle{0, 0, 0};
+    QTest::newRow("2 x 2: radius 0.98 is 0") << QSize(2, 2) << SelectionCircle{1, 1, 0};
+    QTest::newRow("no photograph") << QSize(0, 0) << SelectionCircle{0, 0, 0};
+}
+
+void TestSelectionCircle::fitsAPhotograph()
+{
+    QFETCH(QSize, photograph);
+    QFETCH(SelectionCircle, expected);
+    QCOMPARE(defaultCircle(photograph), expected);
+}
+
+void TestSelectionCircle::stepsAndMoves()
+{
+    const SelectionCircle circle{100, 200, 50};
+    QCOMPARE(stepped(circle, -1, 0, 0), (SelectionCircle{99, 200, 50}));
+    QCOMPARE(stepped(circle, 0, 1, 0), (SelectionCircle{100, 201, 50}));
+    QCOMPARE(stepped({1, 2, 0}, 0, 0, -1), (SelectionCircle{1, 2, -1})); // nothing stops at 0
+    QCOMPARE(moved(circle, {10, 10}, {13, 6}), (SelectionCircle{103, 196, 50}));
+    QCOMPARE(moved(circle, {500, 500}, {0, 0}), (SelectionCircle{-400, -300, 50}));
+}
+
+void TestSelectionCircle::resizesToTheFartherDistance_data()
+{
+    QTest::addColumn<QPoint>("position");
+    QTest::addColumn<int>("expected");
+    QTest::newRow("right") << QPoint(130, 210) << 30;
+    QTest::newRow("left") << QPoint(70, 210) << 30;
+    QTest::newRow("below") << QPoint(110, 240) << 40;
+    QTest::newRow("above") << QPoint(110, 160) << 40;
+    QTest::newRow("corner") << QPoint(60, 160) << 40;
+    QTest::newRow("on the centre") << QPoint(100, 200) << 0;
+}
+
+void TestSelectionCircle::resizesToTheFartherDistance()
+{
+    QFETCH(QPoint, position);
+    QFETCH(int, expected);
+    QCOMPARE(resized({100, 200, 7}, position), (SelectionCircle{100, 200, expected}));
+}
+
+void TestSelectionCircle::drawsANewCircleFromTheLongerSide_data()
+{
+    QTest::addColumn<QPoint>("first");
+    QTest::addColumn<QPoint>("last");
+    QTest::addColumn<int>("radius"); // 0: no feedback
+
+    QTest::newRow("wide") << QPoint(10, 10) << QPoint(30, 15) << 20;
+    QTest::newRow("tall") << QPoint(10, 10) << QPoint(15, 30) << 20;
+    QTest::newRow("one pixel each way") << QPoint(10, 10) << QPoint(11, 11) << 1;
+    QTest::newRow("horizontal: none") << QPoint(10, 10) << QPoint(30, 10) << 0;
+    QTest::newRow("vertical: none") << QPoint(10, 10) << QPoint(10, 30) << 0;
+    QTest::newRow("no drag: none") << QPoint(10, 10) << QPoint(10, 10) << 0;
+    QTest::newRow("one pixel backwards: none") << QPoint(10, 10) << QPoint(9, 30) << 0;
+}
+
+void TestSelectionCircle::drawsANewCircleFromTheLongerSide()
+{
+    QFETCH(QPoint, first);
+    QFETCH(QPoint, last);
+    QFETCH(int, radius);
+    const std::optional<SelectionCircle> circle = drawnCircle({3, 4}, first, last);
+    QCOMPARE(circle.has_value(), radius != 0);
+    if (circle)
+        QCOMPARE(*circle, (SelectionCircle{3, 4, radius}));
+}
+
+void TestSelectionCircle::wrapsInsteadOfOverflowing()
+{
+    QCOMPARE(stepped({INT_MAX, INT_MIN, INT_MAX}, 1, -1, 1), (SelectionCircle{INT_MIN, INT_MAX, INT_MIN}));
+    QCOMPARE(moved({INT_MAX, 0, 1}, {-1, INT_MAX}, {0, INT_MIN}), (SelectionCircle{INT_MIN, 1, 1}));
+    QCOMPARE(resized({INT_MIN, 0, 1}, {INT_MAX, 0}).radius, -1);
+    QCOMPARE(resized({INT_MIN, 0, 1}, {0, 0}).radius, INT_MIN);
+    QVERIFY(!drawnCircle({0, 0}, {INT_MIN, 0}, {INT_MAX, 5})); // the width wraps to -1
+    QCOMPARE(drawnCircle({0, 0}, {-1, 0}, {INT_MAX - 1, 5})->radius, INT_MAX);
+}
+
+void TestSelectionCircle::namesTheZone_data()
+{
+    QTest::addColumn<SelectionCircle>("circle");
+    QTest::addColumn<QPoint>("offset"); // from the centre
+    QTest::addColumn<CircleZone>("expected");
+
+    const SelectionCircle circle{1000, 800, 100};
+    QTest::newRow("on the centre") << circle << QPoint(0, 0) << CircleZone::CentreHandle;
+    QTest::newRow("7 px to the left of the centre") << circle << QPoint(-7, 0) << CircleZone::CentreHandle;
+    QTest::newRow("8 px to the left: the region's vertex lies a row lower")
+        << circle << QPoint(-8, 0) << CircleZone::Inside;
+    QTest::newRow("8 px to the right of the centre") << circle << QPoint(8, 0) << CircleZone::CentreHandle;
+    QTest::newRow("9 px from the centre") << circle << QPoint(9, 0) << CircleZone::Inside;
+    QTest::newRow("8 px both ways: not in the disc") << circle << QPoint(8, 8) << CircleZone::Inside;
+    QTest::newRow("on the line, right") << circle << QPoint(100, 0) << CircleZone::Ring;
+    QTest::newRow("on the line, slanting") << circle << QPoint(-71, 71) << CircleZone::Ring;
+    QTest::newRow("105 right: beside the line") << circle << QPoint(105, 0) << CircleZone::Ring;
+    QTest::newRow("108 right: the last of the ring") << circle << QPoint(108, 0) << CircleZone::Ring;
+    QTest::newRow("109 right: outside") << circle << QPoint(109, 0) << CircleZone::Outside;
+    QTest::newRow("93 right: the first of the ring") << circle << QPoint(93, 0) << CircleZone::Ring;
+    QTest::newRow("92 right: inside") << circle << QPoint(92, 0) << CircleZone::Inside;
+    QTest::newRow("105 right and down: corner") << circle << QPoint(105, 105) << CircleZone::Corner;
+    QTest::newRow("the outer corner itself") << circle << QPoint(108, -108) << CircleZone::Corner;
+    QTest::newRow("one beyond the outer corner") << circle << QPoint(109, 108) << CircleZone::Outside;
+    QTest::newRow("the inner corner itself") << circle << QPoint(92, 92) << CircleZone::Inside;
+    QTest::newRow("one beyond the inner corner") << circle << QPoint(93, 92) << CircleZone::Corner;
+    QTest::newRow("in the inner square, beyond the ring") << circle << QPoint(85, 85) << CircleZone::Inside;
+
+    QTest::newRow("3 px from the centre, radius 2")
+        << SelectionCircle{50, 60, 2} << QPoint(3, 0) << CircleZone::CentreHandle;
+    QTest::newRow("radius 2: all round the handle is ring")
+        << SelectionCircle{50, 60, 2} << QPoint(9, 0) << CircleZone::Ring;
+    QTest::newRow("radius 2: corner of the outer square")
+        << SelectionCircle{50, 60, 2} << QPoint(10, 10) << CircleZone::Corner;
+    QTest::newRow("radius 2: 6 px is in the inner square turned round, but the handle comes first")
+        << SelectionCircle{50, 60, 2} << QPoint(6, 0) << CircleZone::CentreHandle;
+    QTest::newRow("radius 0: ring up to 8, all of it handle")
+        << SelectionCircle{50, 60, 0} << QPoint(8, 0) << CircleZone::CentreHandle;
+    QTest::newRow("radius -8: no ring") << SelectionCircle{50, 60, -9} << QPoint(9, 0) << CircleZone::Outside;
+    QTest::newRow("radius -20: the outer square is the smaller one")
+        << SelectionCircle{50, 60, -20} << QPoint(12, 12) << CircleZone::Inside;
+    QTest::newRow("radius -20: in the inner square but beyond the outer one")
+        << SelectionCircle{50, 60, -20} << QPoint(13, 0) << CircleZone::Outside;
+
+    QTest::newRow("largest radius: inside")
+        << SelectionCircle{0, 0, INT_MAX} << QPoint(4000, 3000) << CircleZone::Inside;
+    QTest::newRow("largest radius: on its line")
+        << SelectionCircle{0, 0, INT_MAX} << QPoint(INT_MAX, 0) << CircleZone::Ring;
+    QTest::newRow("largest radius: in its corner")
+        << SelectionCircle{0, 0, INT_MAX} << QPoint(INT_MAX, INT_MAX) << CircleZone::Corner;
+    QTest::newRow("smallest radius") << SelectionCircle{0, 0, INT_MIN} << QPoint(4000, 3000)
+                                     << CircleZone::Inside;
+}
+
+void TestSelectionCircle::namesTheZone()
+{
+    QFETCH(SelectionCircle, circle);
+    QFETCH(QPoint, offset);
+    QFETCH(CircleZone, expected);
+    QCOMPARE(static_cast<int>(zoneAt(circle, QPoint(circle.centerX, circle.centerY) + offset)),
+             static_cast<int>(expected));
+}
+
+void TestSelectionCircle::showsTheCursor_data()
+{
+    QTest::addColumn<QPoint>("offset");
+    QTest::addColumn<std::optional<Qt::CursorShape>>("expected");
+
+    using Cursor = std::optional<Qt::CursorShape>;
+    QTest::newRow("centre handle") << QPoint(3, 3) << Cursor(Qt::SizeAllCursor);
+    QTest::newRow("line") << QPoint(0, -100) << Cursor(Qt::SizeAllCursor);
+    QTest::newRow("inside") << QPoint(40, 40) << Cursor();
+    QTest::newRow("outside") << QPoint(200, 0) << Cursor();
+    QTest::newRow("lower right corner") << QPoint(105, 105) << Cursor(Qt::SizeFDiagCursor);
+    QTest::newRow("upper left corner") << QPoint(-105, -105) << Cursor(Qt::SizeFDiagCursor);
+    QTest::newRow("upper right corner") << QPoint(105, -105) << Cursor(Qt::SizeBDiagCursor);
+    QTest::newRow("lower left corner") << QPoint(-105, 105) << Cursor(Qt::SizeBDiagCursor);
+}
+
+void TestSelectionCircle::showsTheCursor()
+{
+    QFETCH(QPoint, offset);
+    QFETCH(std::optional<Qt::CursorShape>, expected);
+    const SelectionCircle circle{1000, 800, 100};
+    QVERIFY(cursorAt(circle, QPoint(1000, 800) + offset) == expected);
+}
+
+void TestSelectionCircle::zonesEqualRegionsOnAGrid()
+{
+    Chance chance;
+    const auto compare = [](const SelectionCircle &circle, int step) {
+        const RegionZones expected(circle);
+        const int edge = qAbs(circle.radius) + 20;
+        for (int y = -edge; y <= edge; y += step) {
+            for (int x = -edge; x <= edge; x += step) {
+                const QPoint p(circle.centerX + x, circle.centerY + y);
+                if (zoneAt(circle, p) != expected.at(p))
+                    return QString("radius %1, centre (%2, %3), offset (%4, %5)")
+                        .arg(circle.radius)
+                        .arg(circle.centerX)
+                        .arg(circle.centerY)
+                        .arg(x)
+                        .arg(y);
+            }
+        }
+        return QString();
+    };
+    for (int radius = -24; radius <= 40; ++radius)
+        QCOMPARE(compare({chance.between(-900, 900), chance.between(-900, 900), radius}, 1), QString());
+    for (int radius = 41; radius <= 900; radius += 43)
+        QCOMPARE(compare({chance.between(-900, 900), chance.between(-900, 900), radius}, 2 + radius / 20),
+                 QString());
+}
+
+void TestSelectionCircle::zonesEqualRegionsOnLargeRings_data()
+{
+    QTest::addColumn<SelectionCircle>("circle");
+    for (const int radius : {1234, 1961, 4000})
+        QTest::addRow("radius %d", radius) << SelectionCircle{radius / 3, -radius / 7, radius};
+}
+
+void TestSelectionCircle::zonesEqualRegionsOnLargeRings()
+{
+    QFETCH(SelectionCircle, circle);
+    const RegionZones expected(circle);
+    Chance chance;
+    for (int i = 0; i < 1500; ++i) {
+        const double angle = i * 0.00418879;
+        const double distance = circle.radius + chance.between(-12, 12);
+        const QPoint p(circle.centerX + qRound(distance * std::cos(angle)),
+                       circle.centerY + qRound(distance * std::sin(angle)));
+        QVERIFY2(zoneAt(circle, p) == expected.at(p), qPrintable(QString("(%1, %2)").arg(p.x()).arg(p.y())));
+    }
+}
+
+void TestSelectionCircle::answersAtOnce_data()
+{
+    QTest::addColumn<int>("radius");
+    for (const int radius : {100, 32000, 65536, 1 << 30, INT_MAX, -1, -65536, INT_MIN})
+        QTest::addRow("radius %d", radius) << radius;
+}
+
+void TestSelectionCircle::answersAtOnce()
+{
+    QFETCH(int, radius);
+    constexpr int hovers = 200;
+    QElapsedTimer timer;
+    timer.start();
+    int cursors = 0;
+    for (int i = 0; i < hovers; ++i)
+        for (const int centre : {0, INT_MIN, INT_MAX})
+            cursors += cursorAt({centre, i, radius}, {17 * i, 19 * i}).has_value() ? 1 : 0;
+    QVERIFY(cursors >= 0);
+    QVERIFY2(timer.elapsed() < 3 * hovers, "a hover takes longer than a millisecond");
+}
+
+void TestSelectionCircle::drawsTheExactPixels_data()
+{
+    QTest::addColumn<int>("radius");
+    QTest::addColumn<Qt::PenStyle>("square");
+    QTest::addColumn<QStringList>("expected");
+
+    // clang-format off
+    QTest::newRow("radius 3, dotted square") << 3 << Qt::DotLine << QStringList{
+        "...........",
+        "...........",
+        "..#####..#.",
+        "...#.#.#...",
+        "..#..#..#..",
+        "..########.",
+        "..#..#..#..",
+        "...#.#.#...",
+        "..#.###..#.",
+        "....#..#...",
+        "..........."};
+    QTest::newRow("radius 3, solid square") << 3 << Qt::SolidLine << QStringList{
+        "...........",
+        "...........",
+        "..########.",
+        "..##.#.#.#.",
+        "..#..#..##.",
+        "..########.",
+        "..#..#..##.",
+        "..##.#.#.#.",
+        "..#.###..#.",
+        "..########.",
+        "..........."};
+    QTest::newRow("radius 0: the cross and a square of two pixels") << 0 << Qt::SolidLine << QStringList{
+        "...........",
+        "...........",
+        "...........",
+        ".....#.....",
+        ".....#.....",
+        "...#####...",
+        ".....##....",
+        ".....#.....",
+        "...........",
+        "...........",
+        "..........."};
+    QTest::newRow("radius -3: the ellipse two pixels larger, the square two smaller") << -3 << Qt::SolidLine << QStringList{
+        "...........",
+        "....###....",
+        "...#...#...",
+        "..#######..",
+        ".#.#.#..##.",
+        ".#.#######.",
+        ".#.#.#..##.",
+        "..##.#..#..",
+        "...######..",
+        "....###....",
+        "..........."};
+    // clang-format on
+}
+
+void TestSelectionCircle::drawsTheExactPixels()
+{
+    QFETCH(int, radius);
+    QFETCH(Qt::PenStyle, square);
+    QFETCH(QStringList, expected);
+    QImage picture = transparent(11, 11);
+    drawCircle(picture, {5, 5, radius}, Qt::red, 1, square);
+    QCOMPARE(charted(picture), expected);
+}
+
+void TestSelectionCircle::drawsTheSquareOnePixelWider()
+{
+    QImage picture = transparent(60, 60);
+    drawCircle(picture, {30, 30, 20}, Qt::red, 1, Qt::SolidLine);
+    QCOMPARE(extentOf(picture), QRect(QPoint(10, 10), QPoint(51, 51)));
+}
+
+void TestSelectionCircle::drawsTheCrossTwiceAsLongAsThePen()
+{
+    for (const int penSize : {1, 2, 3, 8}) {
+        QImage picture = transparent(200, 200);
+        drawCircle(picture, {100, 100, 10000}, Qt::red, penSize, Qt::DotLine);
+        // Two arms and a square cap at either end.
+        const QRect extent = extentOf(picture);
+        QCOMPARE(extent.width(), 5 * penSize);
+        QCOMPARE(extent.height(), 5 * penSize);
+        QVERIFY(extent.contains(100, 100));
+    }
+}
+
+void TestSelectionCircle::drawsTheSameAsThePlainWay()
+{
+    Chance chance;
+    for (int i = 0; i < 1500; ++i) {
+        QImage expected = chance.picture(chance.oneIn(2));
+        QImage actual = expected.copy();
+        const SelectionCircle circle = chance.circle(actual.size(), chance.oneIn(4) ? 3000 : 120);
+        const QColor color = chance.color();
+        const int penSize = chance.oneIn(3) ? chance.between(0, 64) : chance.between(0, 9);
+        const Qt::PenStyle square = chance.oneIn(3) ? Qt::SolidLine : Qt::DotLine;
+        drawPlainly(expected, circle, color, penSize, square);
+        drawCircle(actual, circle, color, penSize, square);
+        QVERIFY2(actual == expected, qPrintable(QString("(%1, %2) radius %3 pen %4")
+                                                    .arg(circle.centerX)
+                                                    .arg(circle.centerY)
+                                                    .arg(circle.radius)
+                                                    .arg(penSize)));
+    }
+}
+
+void TestSelectionCircle::neverHangsOnHostileValues_data()
+{
+    QTest::addColumn<SelectionCircle>("circle");
+    QTest::addColumn<int>("penSize");
+
+    QTest::newRow("largest radius") << SelectionCircle{3000, 2000, INT_MAX} << 3;
+    QTest::newRow("smallest radius") << SelectionCircle{3000, 2000, INT_MIN} << 3;
+    QTest::newRow("largest of everything") << SelectionCircle{INT_MAX, INT_MAX, INT_MAX} << INT_MAX;
+    QTest::newRow("smallest of everything") << SelectionCircle{INT_MIN, INT_MIN, INT_MIN} << INT_MIN;
+    QTest::newRow("a dotted side of 2^31 through the picture")
+        << SelectionCircle{INT_MAX - 100, 2000, INT_MAX - 3000} << 1;
+    QTest::newRow("all four sides far away") << SelectionCircle{3000, 2000, 1 << 30} << 1;
+    QTest::newRow("a side of two million dots") << SelectionCircle{1000100, 2000, 1000000} << 1;
+    QTest::newRow("centre far away") << SelectionCircle{2000000000, -2000000000, 100} << 3;
+    QTest::newRow("pen of a thousand million") << SelectionCircle{3000, 2000, 1960} << 1000000000;
+    QTest::newRow("negative pen") << SelectionCircle{3000, 2000, 1960} << -1000000000;
+    QTest::newRow("pen and circle of the same size") << SelectionCircle{30000, -20000, 40000} << 40000;
+}
+
+void TestSelectionCircle::neverHangsOnHostileValues()
+{
+    QFETCH(SelectionCircle, circle);
+    QFETCH(int, penSize);
+    QImage picture(6000, 4000, QImage::Format_ARGB32);
+    picture.fill(Qt::gray);
+    QElapsedTimer timer;
+    timer.start();
+    drawCircle(picture, circle, QColor(255, 0, 0), penSize, Qt::DotLine);
+    // A few milliseconds by itself; the limit leaves room for a busy machine.
+    QVERIFY2(timer.elapsed() < 1000, qPrintable(QString("%1 ms").arg(timer.elapsed())));
+}
+
+void TestSelectionCircle::drawsAnythingAnywhere()
+{
+    QRandomGenerator random(20);
+    const auto anyInt = [&random] { return static_cast<int>(random.generate()) >> random.bounded(31); };
+    for (int i = 0; i < 1500; ++i) {
+        QImage picture = transparent(50, 40);
+        drawCircle(picture, {anyInt(), anyInt(), anyInt()}, Qt::red, anyInt(), Qt::DotLine);
+        zoneAt({anyInt(), anyInt(), anyInt()}, {anyInt(), anyInt()});
+        QCOMPARE(picture.size(), QSize(50, 40));
+    }
+}
+
+void TestSelectionCircle::knowsWhereItDraws()
+{
+    Chance chance;
+    for (int i = 0; i < 1500; ++i) {
+        QImage picture = transparent(chance.between(1, 200), chance.between(1, 200));
+        const SelectionCircle circle = chance.circle(picture.size(), chance.oneIn(4) ? 3000 : 120);
+        const int penSize = chance.oneIn(3) ? chance.between(-64, 64) : chance.between(0, 9);
+        drawCircle(picture, circle, Qt::red, penSize, chance.oneIn(3) ? Qt::SolidLine : Qt::DotLine);
+        const std::optional<QVector<QRect>> rectangles = drawnRectangles(picture.size(), circle, penSize);
+        QVERIFY(rectangles);
+        for (const QRect &rectangle : *rectangles)
+            for (int y = rectangle.top(); y <= rectangle.bottom(); ++y)
+                for (int x = rectangle.left(); x <= rectangle.right(); ++x)
+                    picture.setPixel(x, y, 0);
+        QVERIFY2(extentOf(picture).isNull(), qPrintable(QString("(%1, %2) radius %3 pen %4")
+                                                            .arg(circle.centerX)
+                                                            .arg(circle.centerY)
+                                                            .arg(circle.radius)
+                                                            .arg(penSize)));
+    }
+}
+
+void TestSelectionCircle::keepsItsRectanglesApartAndInside()
+{
+    Chance chance;
+    for (int i = 0; i < 300; ++i) {
+        const QSize size(chance.between(1, 300), chance.between(1, 300));
+        const std::optional<QVector<QRect>> rectangles =
+            drawnRectangles(size, chance.circle(size, 400), chance.between(-20, 20));
+        QVERIFY(rectangles);
+        QRegion covered;
+        for (const QRect &rectangle : *rectangles) {
+            QVERIFY(!rectangle.isEmpty());
+            QVERIFY(QRect(QPoint(0, 0), size).contains(rectangle));
+            QVERIFY(!covered.intersects(rectangle));
+            covered += rectangle;
+        }
+    }
+}
+
+void TestSelectionCircle::keepsItsRectanglesNarrow()
+{
+    const QSize photograph(6000, 4000);
+    const std::optional<QVector<QRect>> rectangles =
+        drawnRectangles(photograph, defaultCircle(photograph), 3);
+    QVERIFY(rectangles);
+    qint64 pixels = 0;
+    for (const QRect &rectangle : *rectangles)
+        pixels += qint64{rectangle.width()} * rectangle.height();
+    QVERIFY2(pixels < 24000000 / 40, qPrintable(QString::number(pixels)));
+}
+
+void TestSelectionCircle::admitsWhatItDoesNotKnow_data()
+{
+    QTest::addColumn<SelectionCircle>("circle");
+    QTest::addColumn<int>("penSize");
+    QTest::addColumn<bool>("known");
+
+    QTest::newRow("largest known values") << SelectionCircle{32767, -32767, 32767} << 1024 << true;
+    QTest::newRow("smallest known values") << SelectionCircle{-32767, 32767, -32767} << -1024 << true;
+    QTest::newRow("column too large") << SelectionCircle{32768, 0, 10} << 3 << false;
+    QTest::newRow("row too small") << SelectionCircle{0, INT_MIN, 10} << 3 << false;
+    QTest::newRow("radius too large") << SelectionCircle{0, 0, INT_MAX} << 3 << false;
+    QTest::newRow("pen too wide") << SelectionCircle{0, 0, 10} << 1025 << false;
+    QTest::newRow("pen of the smallest int") << SelectionCircle{0, 0, 10} << INT_MIN << false;
+}
+
+void TestSelectionCircle::admitsWhatItDoesNotKnow()
+{
+    QFETCH(SelectionCircle, circle);
+    QFETCH(int, penSize);
+    QFETCH(bool, known);
+    QCOMPARE(drawnRectangles(QSize(100, 100), circle, penSize).has_value(), known);
+}
+
+QTEST_GUILESS_MAIN(TestSelectionCircle)
+#include "tst_selectioncircle.moc"
