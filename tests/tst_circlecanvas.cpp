@@ -1,0 +1,242 @@
+#include "circlecanvas.h"
+
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <climits>
+#include <utility>
+
+namespace
+{
+
+/// The picture in the plain way, for circles whose sums are ints.
+QPixmap plainPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
+                     const CirclePen &pen)
+{
+    QImage copy = photograph.convertToFormat(QImage::Format_ARGB32);
+    if (circle)
+        drawCircle(copy, *circle, pen.color, pen.size, pen.square);
+    return QPixmap::fromImage(copy);
+}
+
+/// Empty when both pixmaps are the same in every respect.
+QString difference(const QPixmap &actual, const QPixmap &expected)
+{
+    const QImage a = actual.toImage();
+    const QImage b = expected.toImage();
+    if (a.format() != b.format())
+        return QString("format %1, not %2").arg(a.format()).arg(b.format());
+    if (actual.hasAlphaChannel() != expected.hasAlphaChannel())
+        return "alpha channel";
+    return a == b ? QString() : "pixels";
+}
+
+QImage noise(int width, int height, QImage::Format format, int opaqueShare = 1)
+{
+    static QRandomGenerator random(20);
+    QImage image(width, height, QImage::Format_ARGB32);
+    for (int y = 0; y < height; ++y)
+        for (int x = 0; x < width; ++x)
+            image.setPixel(x, y, random.generate() | (random.bounded(opaqueShare) == 0 ? 0xff000000U : 0U));
+    return image.convertToFormat(format);
+}
+
+const CirclePen redPen{Qt::red, 3, Qt::DotLine};
+
+} // namespace
+
+class TestCircleCanvas : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void givesNothingForNoPhotograph();
+    void equalsThePlainWay_data();
+    void equalsThePlainWay();
+    void takesTheOldCircleAwayCompletely();
+    void noticesANewPhotograph();
+    void noticesAnEditedPhotograph();
+    void leavesEarlierPixmapsAlone();
+    void leavesThePhotographAlone();
+    void keepsOrDropsTheAlphaChannelAsThePlainWay();
+    void looksAtPixelsOnly();
+    void drawsHostileCirclesToo();
+    void startsAfreshWhenCleared();
+};
+
+void TestCircleCanvas::givesNothingForNoPhotograph()
+{
+    CircleCanvas canvas;
+    QVERIFY(canvas.picture(QImage(), std::nullopt, redPen).isNull());
+    QVERIFY(canvas.picture(QImage(), SelectionCircle{5, 5, 5}, redPen).isNull());
+    const QImage photograph = noise(20, 20, QImage::Format_RGB32);
+    QVERIFY(!canvas.picture(photograph, std::nullopt, redPen).isNull());
+    QVERIFY(canvas.picture(QImage(), std::nullopt, redPen).isNull());
+}
+
+void TestCircleCanvas::equalsThePlainWay_data()
+{
+    QTest::addColumn<QImage::Format>("format");
+    QTest::addColumn<int>("opaqueShare"); // one pixel in so many is opaque for certain
+
+    QTest::newRow("RGB32, a JPEG photograph") << QImage::Format_RGB32 << 1;
+    QTest::newRow("ARGB32, all of it opaque") << QImage::Format_ARGB32 << 1;
+    QTest::newRow("ARGB32, half of it see-through") << QImage::Format_ARGB32 << 2;
+    QTest::newRow("premultiplied") << QImage::Format_ARGB32_Premultiplied << 2;
+    QTest::newRow("RGB888") << QImage::Format_RGB888 << 1;
+    QTest::newRow("RGBA8888") << QImage::Format_RGBA8888 << 2;
+    QTest::newRow("palette, a GIF") << QImage::Format_Indexed8 << 1;
+    QTest::newRow("palette with alpha") << QImage::Format_Indexed8 << 2;
+    QTest::newRow("grey") << QImage::Format_Grayscale8 << 1;
+    QTest::newRow("black and white") << QImage::Format_Mono << 1;
+    QTest::newRow("16 bits a channel: the surplus bits go first") << QImage::Format_RGBA64 << 2;
+    QTest::newRow("16 bits of grey") << QImage::Format_Grayscale16 << 1;
+    QTest::newRow("16 bits altogether") << QImage::Format_RGB16 << 1;
+}
+
+void TestCircleCanvas::equalsThePlainWay()
+{
+    QFETCH(QImage::Format, format);
+    QFETCH(int, opaqueShare);
+    QRandomGenerator random(20);
+    for (int photographs = 0; photographs < 12; ++photographs) {
+        const QImage photograph =
+            noise(1 + random.bounded(180), 1 + random.bounded(180), format, opaqueShare);
+        CircleCanvas canvas;
+        for (int step = 0; step < 12; ++step) {
+            std::optional<SelectionCircle> circle;
+            if (random.bounded(8) > 0)
+                circle = SelectionCircle{random.bounded(-40, 220), random.bounded(-40, 220),
+                                         random.bounded(-30, 130)};
+            CirclePen pen;
+            pen.color = QColor::fromRgba(random.generate() | (random.bounded(2) == 0 ? 0xff000000U : 0U));
+            pen.size = random.bounded(8) == 0 ? random.bounded(0, 65) : random.bounded(0, 10);
+            pen.square = random.bounded(3) == 0 ? Qt::SolidLine : Qt::DotLine;
+            QCOMPARE(
+                difference(canvas.picture(photograph, circle, pen), plainPicture(photograph, circle, pen)),
+                QString());
+        }
+    }
+}
+
+void TestCircleCanvas::takesTheOldCircleAwayCompletely()
+{
+    const QImage photograph = noise(300, 200, QImage::Format_RGB32);
+    CircleCanvas canvas;
+    for (int i = 0; i < 6; ++i) {
+        canvas.picture(photograph, SelectionCircle{100 + i, 90, 80 + i}, redPen);
+        QCOMPARE(difference(canvas.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
+                 QString());
+    }
+}
+
+void TestCircleCanvas::noticesANewPhotograph()
+{
+    CircleCanvas canvas;
+    const SelectionCircle circle{50, 50, 30};
+    for (const QSize size : {QSize(100, 100), QSize(100, 100), QSize(90, 120)}) {
+        const QImage photograph = noise(size.width(), size.height(), QImage::Format_RGB32);
+        for (int i = 0; i < 3; ++i)
+            QCOMPARE(difference(canvas.picture(photograph, circle, redPen),
+                                plainPicture(photograph, circle, redPen)),
+                     QString());
+    }
+}
+
+void TestCircleCanvas::noticesAnEditedPhotograph()
+{
+    QImage photograph = noise(100, 100, QImage::Format_RGB32);
+    CircleCanvas canvas;
+    canvas.picture(photograph, std::nullopt, redPen);
+    photograph.fill(Qt::blue);
+    QCOMPARE(difference(canvas.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
+             QString());
+}
+
+void TestCircleCanvas::leavesEarlierPixmapsAlone()
+{
+    // The label keeps only the newest pixmap, but whoever keeps an older one must not see it change.
+    const QImage photograph = noise(100, 100, QImage::Format_RGB32);
+    CircleCanvas canvas;
+    QVector<QPixmap> pixmaps;
+    for (int radius = 10; radius < 20; ++radius)
+        pixmaps.append(canvas.picture(photograph, SelectionCircle{50, 50, radius}, redPen));
+    for (int radius = 10; radius < 20; ++radius)
+        QCOMPARE(difference(pixmaps[radius - 10],
+                            plainPicture(photograph, SelectionCircle{50, 50, radius}, redPen)),
+                 QString());
+}
+
+void TestCircleCanvas::leavesThePhotographAlone()
+{
+    for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32}) {
+        const QImage photograph = noise(100, 100, format, 2);
+        const QImage before = photograph.copy();
+        CircleCanvas canvas;
+        for (int radius = 10; radius < 14; ++radius)
+            canvas.picture(photograph, SelectionCircle{50, 50, radius}, redPen);
+        QCOMPARE(photograph, before);
+    }
+}
+
+void TestCircleCanvas::keepsOrDropsTheAlphaChannelAsThePlainWay()
+{
+    // One pixel that is not opaque, off the circle at first, then painted over, then free again.
+    QImage photograph(100, 100, QImage::Format_ARGB32);
+    photograph.fill(Qt::gray);
+    photograph.setPixel(70, 40, qRgba(1, 2, 3, 128));
+    CircleCanvas canvas;
+    for (const int x : {30, 50, 30, 50, 50, 10}) {
+        const SelectionCircle circle{x, 40, 20};
+        const QPixmap picture = canvas.picture(photograph, circle, redPen);
+        QCOMPARE(picture.hasAlphaChannel(), x != 50);
+        QCOMPARE(difference(picture, plainPicture(photograph, circle, redPen)), QString());
+    }
+}
+
+void TestCircleCanvas::looksAtPixelsOnly()
+{
+    // A file called photo@2x.jpg loads with a device pixel ratio of 2; the circle counts in its pixels all
+    // the same.
+    QImage photograph = noise(100, 100, QImage::Format_RGB32);
+    const QPixmap expected = plainPicture(photograph, SelectionCircle{50, 50, 30}, redPen);
+    photograph.setDevicePixelRatio(2.0);
+    CircleCanvas canvas;
+    for (int i = 0; i < 3; ++i) {
+        const QPixmap picture = canvas.picture(photograph, SelectionCircle{50, 50, 30}, redPen);
+        QCOMPARE(picture.devicePixelRatio(), 1.0);
+        QCOMPARE(difference(picture, expected), QString());
+    }
+}
+
+void TestCircleCanvas::drawsHostileCirclesToo()
+{
+    const QImage photograph = noise(60, 50, QImage::Format_ARGB32, 2);
+    CircleCanvas canvas;
+    QRandomGenerator random(20);
+    const auto anyInt = [&random] { return static_cast<int>(random.generate()) >> random.bounded(31); };
+    for (int i = 0; i < 500; ++i) {
+        const SelectionCircle circle{anyInt(), anyInt(), anyInt()};
+        const CirclePen pen{Qt::red, anyInt(), Qt::DotLine};
+        QCOMPARE(difference(canvas.picture(photograph, circle, pen), plainPicture(photograph, circle, pen)),
+                 QString());
+    }
+    for (const int value : {INT_MIN, INT_MAX})
+        QCOMPARE(canvas.picture(photograph, SelectionCircle{value, value, value}, {Qt::red, value}).size(),
+                 photograph.size());
+}
+
+void TestCircleCanvas::startsAfreshWhenCleared()
+{
+    const QImage photograph = noise(60, 50, QImage::Format_RGB32);
+    CircleCanvas canvas;
+    for (int i = 0; i < 3; ++i) {
+        canvas.picture(photograph, SelectionCircle{30, 25, 20 + i}, redPen);
+        canvas.clear();
+        QCOMPARE(difference(canvas.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
+                 QString());
+    }
+}
+
+QTEST_MAIN(TestCircleCanvas)
+#include "tst_circlecanvas.moc"
