@@ -1,0 +1,695 @@
+#include "imagecompare.h"
+#include "messagecollector.h"
+#include "modaldriver.h"
+#include "previewwindow.h"
+#include "referencemap.h"
+
+#include <QFile>
+#include <QFileDialog>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <functional>
+
+/// What a user does to the window.
+using Deed = std::function<void(TestWindow &)>;
+Q_DECLARE_METATYPE(Deed)
+
+namespace
+{
+
+// The picture is shown 1:1 in these tests, so widget coordinates are photograph pixels. The photograph is
+// 96 x 72, its default circle (48, 36) with radius 35.
+void drag(TestWindow &window, QPoint from, QPoint to, Qt::MouseButton button = Qt::LeftButton)
+{
+    QTest::mousePress(window.ui->label, button, Qt::NoModifier, from);
+    QMouseEvent move(QEvent::MouseMove, to, window.ui->label->mapToGlobal(to), button, button,
+                     Qt::NoModifier);
+    QApplication::sendEvent(window.ui->label, &move);
+    QTest::mouseRelease(window.ui->label, button, Qt::NoModifier, to);
+}
+
+Deed returnIn(QLineEdit *Ui::MainWindow::*edit, const QString &text)
+{
+    return [edit, text](TestWindow &window) {
+        (window.ui.get()->*edit)->setText(text);
+        QTest::keyClick(window.ui.get()->*edit, Qt::Key_Return);
+    };
+}
+
+// A click moves at once; its only tick refreshes.
+Deed clickOf(QPushButton *Ui::MainWindow::*button)
+{
+    return [button](TestWindow &window) {
+        QTest::mouseClick(window.ui.get()->*button, Qt::LeftButton);
+        QTRY_VERIFY(!window.clickTimer->isActive());
+    };
+}
+
+struct NamedDeed {
+    const char *name;
+    Deed deed;
+};
+
+const QVector<NamedDeed> edits{
+    {"Return in the centre's x", returnIn(&Ui::MainWindow::lineCenterX, "50")},
+    {"Return in the centre's y", returnIn(&Ui::MainWindow::lineCenterY, "30")},
+    {"Return in the radius", returnIn(&Ui::MainWindow::lineRadius, "20")},
+    {"circle moved",
+     [](TestWindow &window) {
+         drag(window, {48, 36}, {53, 40});
+     }},
+    {"circle resized",
+     [](TestWindow &window) {
+         drag(window, {83, 71}, {78, 66});
+     }},
+    {"circle drawn",
+     [](TestWindow &window) {
+         QTest::mouseClick(window.ui->label, Qt::RightButton); // hides the old one
+         drag(window, {40, 40}, {55, 50});
+     }},
+    {"up", clickOf(&Ui::MainWindow::btnUp)},
+    {"down", clickOf(&Ui::MainWindow::btnDown)},
+    {"left", clickOf(&Ui::MainWindow::btnLeft)},
+    {"right", clickOf(&Ui::MainWindow::btnRight)},
+    {"larger", clickOf(&Ui::MainWindow::btnSizeUp)},
+    {"smaller", clickOf(&Ui::MainWindow::btnSizeDown)},
+};
+
+} // namespace
+
+class tst_Preview : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void buttonShowsAndConverts();
+    void buttonConvertsAgain();
+    void viewActionShowsAndHides();
+    void viewActionIsTheButton();
+
+    void editConvertsWhenVisibleAndAuto_data();
+    void editConvertsWhenVisibleAndAuto();
+    void heldButtonConvertsAtEveryTick();
+    void noEditNoConversion_data();
+    void noEditNoConversion();
+    void autoPreviewOnlyRemembers();
+
+    void titleBarUnchecksTheAction();
+    void closedPreviewIsConvertedWhenShownAgain();
+    void hidingByTheActionKeepsTheMap();
+    void autoSizeLeavesThePreviewAlone();
+
+    void mapIsThatOfTheReference_data();
+    void mapIsThatOfTheReference();
+    void withoutPhotographTheWindowIsShown();
+    void withoutPhotographTheLastMapStays();
+    void lastMapStaysUntilAConversion();
+    void mapWithoutPixelsEmptiesThePreview();
+    void mouseInThePreviewHasNoEffect();
+    void startUpPassShowsWithoutConverting();
+
+    void closingTheMainWindowEndsTheProgram();
+    void closingThePreviewDoesNot();
+    void mainWindowClosedDuringAPreview();
+    void mainWindowClosedDuringASave();
+    void previewClosedDuringAConversion();
+    void previewOpenedDuringAConversion();
+
+    void conversionInsideAConversion();
+    void photographLoadedDuringAConversion();
+    void photographLostDuringAConversion();
+    void settingsChangedDuringAConversion();
+    void saveInsideAConversion();
+    void manyConversionsInsideEachOther();
+    void buttonsPressedDuringAConversion();
+
+private:
+    QString path(const QString &name) const { return m_folder->filePath(name); }
+    void load(const QString &name, QSize size);
+    QImage shownMap() const;
+    int runUntilTheEnd(const std::function<void()> &first);
+    void inTheMiddle(const std::function<void()> &act);
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestWindow> m_window;
+    int m_acted = 0; // how often inTheMiddle's action ran inside a conversion
+};
+
+void tst_Preview::init()
+{
+    m_acted = 0;
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_window = std::make_unique<TestWindow>();
+    m_window->settingFile = path("tool.ini");
+    m_window->langFile = path("tool_lang.ini");
+    m_window->readShowString();
+    m_window->show();
+    m_window->startTimer->stop();
+    m_window->outputSizeX = 64;
+    m_window->outputSizeY = 32;
+    load("planet.png", {96, 72});
+    QCOMPARE(m_window->ui->label->hasScaledContents(), false);
+}
+
+void tst_Preview::cleanup()
+{
+    m_window.reset();
+    while (QApplication::overrideCursor()) // the window leaves cursors behind
+        QApplication::restoreOverrideCursor();
+}
+
+void tst_Preview::load(const QString &name, QSize size)
+{
+    QVERIFY(colourfulPhotograph(size).save(path(name)));
+    m_window->loadFileName = path(name);
+    m_window->loadImage();
+    QCOMPARE(m_window->image.size(), size);
+}
+
+QImage tst_Preview::shownMap() const
+{
+    return m_window->previewWindow->findChild<QLabel *>("label2")->pixmap(Qt::ReturnByValue).toImage();
+}
+
+// Runs the application's event loop as the program does.
+// @return its result, -1 when it did not end by itself
+int tst_Preview::runUntilTheEnd(const std::function<void()> &first)
+{
+    QTimer guard;
+    connect(&guard, &QTimer::timeout, [] { QCoreApplication::exit(-1); });
+    guard.start(20000);
+    QTimer::singleShot(0, m_window.get(), first);
+    return QApplication::exec();
+}
+
+// Announces something that happens while the next conversion handles its events.
+void tst_Preview::inTheMiddle(const std::function<void()> &act)
+{
+    QTimer::singleShot(0, m_window.get(), [this, act] {
+        ++m_acted;
+        act();
+    });
+}
+
+void tst_Preview::buttonShowsAndConverts()
+{
+    const MessageCollector collector;
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QVERIFY(m_window->previewWindow->isVisible());
+    QVERIFY(m_window->ui->actionPreview_Window->isChecked());
+    QCOMPARE(collector.messages().filter("onvert").size(), 2);
+    QVERIFY(collector.messages().indexOf("on_btnPreview_clicked") <
+            collector.messages().indexOf("convertImage"));
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+}
+
+void tst_Preview::buttonConvertsAgain()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    m_window->longitude = 77.0;
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QVERIFY(m_window->previewWindow->isVisible());
+    QVERIFY(m_window->ui->actionPreview_Window->isChecked());
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+}
+
+void tst_Preview::viewActionShowsAndHides()
+{
+    const MessageCollector collector;
+    m_window->ui->actionPreview_Window->trigger();
+    QVERIFY(m_window->previewWindow->isVisible());
+    QVERIFY(m_window->ui->actionPreview_Window->isChecked());
+    QCOMPARE(collector.messages().count("convertImage"), 1);
+    m_window->ui->actionPreview_Window->trigger();
+    QVERIFY(!m_window->previewWindow->isVisible());
+    QVERIFY(!m_window->ui->actionPreview_Window->isChecked());
+    QCOMPARE(collector.messages().count("convertImage"), 1);
+}
+
+void tst_Preview::viewActionIsTheButton()
+{
+    const MessageCollector collector;
+    m_window->ui->actionPreview_Window->trigger();
+    QCOMPARE(collector.messages().count("on_btnPreview_clicked"), 1);
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+}
+
+void tst_Preview::editConvertsWhenVisibleAndAuto_data()
+{
+    QTest::addColumn<Deed>("edit");
+    QTest::addColumn<bool>("visible");
+    QTest::addColumn<bool>("automatic");
+    for (const NamedDeed &edit : edits) {
+        for (const bool visible : {false, true}) {
+            for (const bool automatic : {false, true})
+                QTest::addRow("%s, preview %s, auto %s", edit.name, visible ? "visible" : "hidden",
+                              automatic ? "on" : "off")
+                    << edit.deed << visible << automatic;
+        }
+    }
+}
+
+void tst_Preview::editConvertsWhenVisibleAndAuto()
+{
+    QFETCH(Deed, edit);
+    QFETCH(bool, visible);
+    QFETCH(bool, automatic);
+    if (automatic)
+        m_window->ui->actionAuto_Preview->trigger();
+    if (visible)
+        m_window->ui->actionPreview_Window->trigger();
+    const int before[] = {m_window->centerX, m_window->centerY, m_window->radius};
+    const QImage shownBefore = shownMap();
+
+    const MessageCollector collector;
+    edit(*m_window);
+    const int after[] = {m_window->centerX, m_window->centerY, m_window->radius};
+    QVERIFY(!std::equal(std::begin(before), std::end(before), std::begin(after)));
+    QCOMPARE(collector.messages().count("updatePreview"), 1);
+    QCOMPARE(collector.messages().count("convertImage"), visible && automatic ? 1 : 0);
+    COMPARE_IMAGES(shownMap(), visible && automatic ? referenceMap(*m_window) : shownBefore);
+}
+
+void tst_Preview::heldButtonConvertsAtEveryTick()
+{
+    m_window->autoPreview = true;
+    m_window->previewWindow->setAttribute(Qt::WA_ShowWithoutActivating); // a button without focus goes up
+    m_window->previewWindow->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window->previewWindow.get()));
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    const MessageCollector collector;
+    QTest::mousePress(m_window->ui->btnLeft, Qt::LeftButton);
+    m_window->stepDelay = 1; // the rest of the first second
+    QTRY_COMPARE(m_window->centerX, 46);
+    QTest::mouseRelease(m_window->ui->btnLeft, Qt::LeftButton);
+    QTRY_VERIFY(!m_window->clickTimer->isActive());
+    const int ticks = collector.messages().count("click_timer()");
+    QVERIFY(ticks >= 4); // one waiting, two stepping, one after the click
+    QCOMPARE(collector.messages().count("convertImage"), ticks);
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+}
+
+void tst_Preview::noEditNoConversion_data()
+{
+    QTest::addColumn<Deed>("deed");
+    QTest::newRow("circle toggled") << Deed(
+        [](TestWindow &window) { QTest::mouseClick(window.ui->label, Qt::RightButton); });
+    QTest::newRow("circle removed") << Deed([](TestWindow &window) {
+        QTest::mouseClick(window.ui->label, Qt::LeftButton, Qt::NoModifier, {95, 3});
+        QVERIFY(!window.selectShow);
+    });
+    QTest::newRow("circle reset") << Deed(
+        [](TestWindow &window) { window.ui->actionParam_Reset->trigger(); });
+    QTest::newRow("another photograph") << Deed([](TestWindow &window) { window.loadImage(); });
+    QTest::newRow("size toggled") << Deed([](TestWindow &window) { window.ui->actionAuto_Size->trigger(); });
+    QTest::newRow("mouse moved over the picture") << Deed([](TestWindow &window) {
+        QTest::mouseMove(window.ui->label, {48, 36});
+    });
+    QTest::newRow("text typed without Return")
+        << Deed([](TestWindow &window) { QTest::keyClicks(window.ui->lineCenterX, "12"); });
+    QTest::newRow("file name typed") << Deed(
+        [](TestWindow &window) { QTest::keyClick(window.ui->lineSaveFilename, Qt::Key_Return); });
+}
+
+void tst_Preview::noEditNoConversion()
+{
+    QFETCH(Deed, deed);
+    m_window->autoPreview = true;
+    m_window->ui->actionPreview_Window->trigger();
+    const QImage before = shownMap();
+    const MessageCollector collector;
+    deed(*m_window);
+    QCOMPARE(collector.messages().count("convertImage"), 0);
+    COMPARE_IMAGES(shownMap(), before);
+}
+
+void tst_Preview::autoPreviewOnlyRemembers()
+{
+    m_window->previewWindow->show();
+    const MessageCollector collector;
+    for (const bool on : {true, false, true}) {
+        m_window->ui->actionAuto_Preview->trigger();
+        QCOMPARE(m_window->ui->actionAuto_Preview->isChecked(), on);
+        QCOMPARE(m_window->autoPreview, on);
+    }
+    QCOMPARE(collector.messages(), QStringList());
+}
+
+void tst_Preview::titleBarUnchecksTheAction()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QVERIFY(m_window->previewWindow->close());
+    QVERIFY(!m_window->previewWindow->isVisible());
+    QVERIFY(!m_window->ui->actionPreview_Window->isChecked());
+    QVERIFY(m_window->isVisible());
+}
+
+void tst_Preview::closedPreviewIsConvertedWhenShownAgain()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    m_window->previewWindow->close();
+    m_window->azimuth = 90.0;
+    m_window->ui->actionPreview_Window->trigger();
+    QVERIFY(m_window->previewWindow->isVisible());
+    QVERIFY(m_window->ui->actionPreview_Window->isChecked());
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+}
+
+void tst_Preview::hidingByTheActionKeepsTheMap()
+{
+    m_window->ui->actionPreview_Window->trigger();
+    const QImage before = shownMap();
+    m_window->ui->actionPreview_Window->trigger();
+    m_window->azimuth = 90.0;
+    m_window->convertImage(); // not shown
+    COMPARE_IMAGES(shownMap(), before);
+}
+
+void tst_Preview::autoSizeLeavesThePreviewAlone()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    const auto *preview = m_window->previewWindow->findChild<QLabel *>("label2");
+    const QImage before = m_window->previewWindow->grab().toImage();
+    for (const bool on : {true, false, true}) {
+        m_window->ui->actionAuto_Size->trigger();
+        QCOMPARE(m_window->autoSize, on);
+        QCOMPARE(m_window->ui->label->hasScaledContents(), on);
+        QCOMPARE(m_window->ui->label->minimumSize(), on ? QSize(320, 240) : QSize(0, 0));
+        QVERIFY(preview->hasScaledContents());
+        QCOMPARE(preview->minimumSize(), QSize(320, 240));
+        COMPARE_IMAGES(m_window->previewWindow->grab().toImage(), before);
+    }
+}
+
+void tst_Preview::mapIsThatOfTheReference_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<double>("distance");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("azimuth");
+    QTest::newRow("as it comes") << QSize(64, 32) << 100.0 << 0.0 << 0.0 << 0.0;
+    QTest::newRow("odd size") << QSize(101, 51) << 6.6 << 35.7 << 139.7 << 25.0;
+    QTest::newRow("one pixel") << QSize(1, 1) << 100.0 << 0.0 << 0.0 << 0.0;
+    QTest::newRow("one row") << QSize(64, 1) << 100.0 << 10.0 << 20.0 << 30.0;
+    QTest::newRow("shift smaller than a pixel") << QSize(64, 32) << 100.0 << 0.0 << -89.9 << 0.0;
+    QTest::newRow("nothing is seen") << QSize(64, 32) << 0.5 << 0.0 << 0.0 << 0.0;
+    QTest::newRow("no numbers") << QSize(64, 32) << qQNaN() << qQNaN() << qQNaN() << qQNaN();
+    QTest::newRow("without end") << QSize(64, 32) << qInf() << qInf() << -qInf() << qInf();
+}
+
+void tst_Preview::mapIsThatOfTheReference()
+{
+    QFETCH(QSize, size);
+    QFETCH(double, distance);
+    QFETCH(double, latitude);
+    QFETCH(double, longitude);
+    QFETCH(double, azimuth);
+    m_window->outputSizeX = size.width();
+    m_window->outputSizeY = size.height();
+    m_window->distance = distance;
+    m_window->latitude = latitude;
+    m_window->longitude = longitude;
+    m_window->azimuth = azimuth;
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QCOMPARE(shownMap().size(), size);
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+    QCOMPARE(m_window->ratioX, size.width() / 96.0);
+    QCOMPARE(m_window->ratioY, size.height() * 0.5 / 72);
+}
+
+void tst_Preview::withoutPhotographTheWindowIsShown()
+{
+    m_window->image = QImage();
+    const MessageCollector collector;
+    ModalDriver driver;
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QVERIFY(driver.done());
+    QVERIFY(m_window->previewWindow->isVisible());
+    QVERIFY(m_window->ui->actionPreview_Window->isChecked());
+    QVERIFY(shownMap().isNull());
+    QVERIFY(m_window->convertImage().isNull());
+    QCOMPARE(collector.messages().count("convertImage"), 2);
+    QVERIFY(!m_window->previewWindow->grab().isNull());
+}
+
+void tst_Preview::withoutPhotographTheLastMapStays()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    const QImage before = shownMap();
+    m_window->image = QImage();
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    COMPARE_IMAGES(shownMap(), before);
+}
+
+void tst_Preview::lastMapStaysUntilAConversion()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    const QImage before = shownMap();
+    load("other.png", {50, 40});
+    m_window->latitude = 12.0;
+    QApplication::processEvents();
+    COMPARE_IMAGES(shownMap(), before);
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+}
+
+void tst_Preview::mapWithoutPixelsEmptiesThePreview()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    m_window->outputSizeX = 0;
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QVERIFY(shownMap().isNull());
+    QVERIFY(!m_window->previewWindow->grab().isNull());
+    QTest::mouseClick(m_window->previewWindow->findChild<QLabel *>("label2"), Qt::LeftButton);
+}
+
+void tst_Preview::mouseInThePreviewHasNoEffect()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    auto *preview = m_window->previewWindow->findChild<QLabel *>("label2");
+    const QImage before = shownMap();
+    const MessageCollector collector;
+    QTest::mousePress(preview, Qt::LeftButton, Qt::NoModifier, {10, 10});
+    QTest::mouseMove(preview, {40, 40});
+    QTest::mouseRelease(preview, Qt::LeftButton, Qt::NoModifier, {40, 40});
+    QTest::mouseClick(preview, Qt::RightButton);
+    QCOMPARE(collector.messages(), QStringList());
+    QVERIFY(m_window->selectShow);
+    QCOMPARE(m_window->centerX, 48);
+    COMPARE_IMAGES(shownMap(), before);
+}
+
+void tst_Preview::startUpPassShowsWithoutConverting()
+{
+    m_window->previewShow = true;
+    m_window->autoPreview = true;
+    const MessageCollector collector;
+    m_window->slot("timeout");
+    QVERIFY(m_window->previewWindow->isVisible());
+    QVERIFY(!m_window->image.isNull());
+    QCOMPARE(collector.messages().count("convertImage"), 0);
+    QVERIFY(shownMap().isNull());
+    edits.first().deed(*m_window);
+    QCOMPARE(collector.messages().count("convertImage"), 1);
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+}
+
+void tst_Preview::closingTheMainWindowEndsTheProgram()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QCOMPARE(runUntilTheEnd([this] { m_window->close(); }), 0);
+    QVERIFY(!m_window->isVisible());
+    QFile file(m_window->settingFile);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QVERIFY(file.readAll().contains("PreviewWindow=true"));
+}
+
+void tst_Preview::closingThePreviewDoesNot()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    bool goesOn = false;
+    QCOMPARE(runUntilTheEnd([&] {
+                 m_window->previewWindow->close();
+                 QTimer::singleShot(50, m_window.get(), [&] {
+                     goesOn = m_window->isVisible();
+                     m_window->close();
+                 });
+             }),
+             0);
+    QVERIFY(goesOn);
+}
+
+void tst_Preview::mainWindowClosedDuringAPreview()
+{
+    const MessageCollector collector;
+    QCOMPARE(runUntilTheEnd([&] {
+                 inTheMiddle([&] {
+                     QVERIFY(collector.messages().contains("convertImage"));
+                     m_window->close();
+                 });
+                 QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+             }),
+             0);
+    QCOMPARE(m_acted, 1);
+    QVERIFY(!m_window->isVisible());
+    QVERIFY(QFile::exists(m_window->settingFile));
+    QCOMPARE(collector.messages().filter("Convert error").size(), 1); // it ran to its end
+}
+
+// The map is written; the confirmation of a program that is about to end does not wait for anybody.
+void tst_Preview::mainWindowClosedDuringASave()
+{
+    m_window->format = 1;
+    m_window->ui->lineSaveFilename->setText("map.png");
+    const QImage expected = referenceMap(*m_window);
+    QCOMPARE(runUntilTheEnd([this] {
+                 inTheMiddle([this] { m_window->close(); });
+                 QTest::mouseClick(m_window->ui->btnConvert, Qt::LeftButton);
+             }),
+             0);
+    QCOMPARE(m_acted, 1);
+    COMPARE_IMAGES(QImage(path("map.png")), expected);
+}
+
+void tst_Preview::previewClosedDuringAConversion()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    const QImage before = shownMap();
+    m_window->azimuth = 90.0;
+    inTheMiddle([this] { m_window->previewWindow->close(); });
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QCOMPARE(m_acted, 1);
+    QVERIFY(!m_window->previewWindow->isVisible());
+    QVERIFY(!m_window->ui->actionPreview_Window->isChecked());
+    COMPARE_IMAGES(shownMap(), before); // whoever is hidden at the end gets nothing
+}
+
+void tst_Preview::previewOpenedDuringAConversion()
+{
+    const QImage expected = referenceMap(*m_window);
+    inTheMiddle([this] { m_window->previewWindow->show(); });
+    COMPARE_IMAGES(m_window->convertImage(), expected);
+    QCOMPARE(m_acted, 1);
+    COMPARE_IMAGES(shownMap(), expected);
+}
+
+// The newer conversion ends first; the older one hands over its map last.
+void tst_Preview::conversionInsideAConversion()
+{
+    const QImage older = referenceMap(*m_window);
+    QImage newer;
+    QImage newerShown;
+    const MessageCollector collector;
+    inTheMiddle([&] {
+        m_window->latitude = 45.0;
+        newer = referenceMap(*m_window);
+        QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+        newerShown = shownMap();
+    });
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QCOMPARE(m_acted, 1);
+    QCOMPARE(collector.messages().count("convertImage"), 2);
+    QVERIFY(newer != older);
+    COMPARE_IMAGES(newerShown, newer);
+    COMPARE_IMAGES(shownMap(), older);
+}
+
+void tst_Preview::photographLoadedDuringAConversion()
+{
+    const QImage expected = referenceMap(*m_window);
+    inTheMiddle([this] { load("tiny.png", {3, 2}); });
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QCOMPARE(m_acted, 1);
+    COMPARE_IMAGES(shownMap(), expected);
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+}
+
+void tst_Preview::photographLostDuringAConversion()
+{
+    const QImage expected = referenceMap(*m_window);
+    inTheMiddle([this] {
+        ModalDriver driver;
+        driver.expectMessage({"開く", path("none.png") + " は開けませんでした", QMessageBox::Warning});
+        m_window->loadFileName = path("none.png");
+        m_window->loadImage();
+        QVERIFY(driver.done());
+    });
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QCOMPARE(m_acted, 1);
+    QVERIFY(m_window->image.isNull());
+    COMPARE_IMAGES(shownMap(), expected);
+}
+
+void tst_Preview::settingsChangedDuringAConversion()
+{
+    const QImage expected = referenceMap(*m_window);
+    inTheMiddle([this] {
+        m_window->outputSizeX = -5;
+        m_window->outputSizeY = 2147483647;
+        m_window->centerX = -2147483647;
+        m_window->radius = 2147483647;
+        m_window->distance = qQNaN();
+        m_window->latitude = m_window->longitude = m_window->azimuth = 33.0;
+    });
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QCOMPARE(m_acted, 1);
+    COMPARE_IMAGES(shownMap(), expected);
+}
+
+void tst_Preview::saveInsideAConversion()
+{
+    m_window->format = 1;
+    m_window->ui->lineSaveFilename->setText("map.png");
+    const QImage expected = referenceMap(*m_window);
+    ModalDriver driver;
+    driver.expectMessage({"画像変換", path("map.png") + " へ保存されました"});
+    inTheMiddle([this] { QTest::mouseClick(m_window->ui->btnConvert, Qt::LeftButton); });
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QVERIFY(driver.done());
+    QCOMPARE(m_acted, 1);
+    COMPARE_IMAGES(shownMap(), expected);
+    COMPARE_IMAGES(QImage(path("map.png")), expected);
+}
+
+void tst_Preview::manyConversionsInsideEachOther()
+{
+    constexpr int deepest = 30;
+    m_window->azimuth = 0.0;
+    const QImage oldest = referenceMap(*m_window);
+    const std::function<void()> nest = [&] {
+        if (m_acted < deepest)
+            inTheMiddle(nest);
+        m_window->azimuth += 10.0;
+        QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    };
+    inTheMiddle(nest);
+    const MessageCollector collector;
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    QCOMPARE(m_acted, deepest);
+    QCOMPARE(collector.messages().count("convertImage"), deepest + 1);
+    COMPARE_IMAGES(shownMap(), oldest);
+}
+
+void tst_Preview::buttonsPressedDuringAConversion()
+{
+    m_window->autoPreview = true;
+    m_window->ui->actionPreview_Window->trigger();
+    inTheMiddle([this] {
+        for (int i = 0; i < 5; ++i)
+            QTest::mouseClick(m_window->ui->btnUp, Qt::LeftButton);
+    });
+    QTest::keyClick(m_window->ui->lineRadius, Qt::Key_Return);
+    QCOMPARE(m_acted, 1);
+    QTRY_VERIFY(!m_window->clickTimer->isActive());
+    QCOMPARE(m_window->centerY, 31);
+    COMPARE_IMAGES(shownMap(), referenceMap(*m_window));
+}
+
+WINDOW_TEST_MAIN(tst_Preview)
+#include "tst_preview.moc"
