@@ -1,0 +1,116 @@
+#pragma once
+
+#include "testwindow.h"
+
+#include <QFileInfo>
+#include <QPainter>
+#include <QTemporaryDir>
+#include <QTimer>
+#include <QWindow>
+
+/// The main window of a fresh installation in a folder of its own, shown, with the start-up pass behind it.
+/// Maps are small, so that conversions take no time.
+class FreshWindow : public TestWindow
+{
+public:
+    FreshWindow()
+    {
+        QApplication::setQuitOnLastWindowClosed(false); // a closed window must not end the other tests
+        settingFile = filePath("tool.ini");
+        langFile = filePath("tool_lang.ini");
+        readShowString();
+        outputSizeX = 64;
+        outputSizeY = 32;
+        show();
+        startTimer->stop();
+        slot("timeout");
+        QCoreApplication::processEvents();
+    }
+
+    QString filePath(const QString &name) const { return m_folder.filePath(name); }
+
+    /// Opens a photograph from a file, without loss. The circle is the default one while the old one has a
+    /// zero.
+    void open(const QImage &photograph, const QString &name = QStringLiteral("photo.png"))
+    {
+        if (!photograph.save(filePath(name)))
+            qFatal("cannot write the photograph");
+        loadFileName = filePath(name);
+        loadImage();
+    }
+
+    /// Shows a circle, as if it had been drawn.
+    void setCircle(const SelectionCircle &circle)
+    {
+        centerX = circle.centerX;
+        centerY = circle.centerY;
+        radius = circle.radius;
+        selectShow = true;
+        ui->label->selectMode = true;
+        updateScreenParameter();
+        updateSelect();
+    }
+
+    /// What the picture widget shows; null without a picture.
+    QImage shownPicture() const { return ui->label->pixmap(Qt::ReturnByValue).toImage(); }
+
+    /// A mouse event from the window system at a position of one of the window's widgets.
+    void mouse(QTest::MouseAction action, const QWidget *widget, QPoint position,
+               Qt::MouseButton button = Qt::LeftButton)
+    {
+        const QPoint inWindow = widget->mapTo(this, position);
+        QTest::mouseEvent(action, windowHandle(), button, Qt::NoModifier, inWindow);
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+inline bool operator==(const SelectionCircle &a, const SelectionCircle &b)
+{
+    return a.centerX == b.centerX && a.centerY == b.centerY && a.radius == b.radius;
+}
+
+/// For QCOMPARE's messages.
+inline char *toString(const SelectionCircle &circle)
+{
+    return qstrdup(
+        qPrintable(QString("(%1, %2) %3").arg(circle.centerX).arg(circle.centerY).arg(circle.radius)));
+}
+
+inline SelectionCircle circleOf(const TestWindow &window)
+{
+    return {window.centerX, window.centerY, window.radius};
+}
+
+/// A photograph in which neighbouring pixels differ.
+inline QImage colourfulPhotograph(QSize size, QImage::Format format = QImage::Format_RGB32)
+{
+    QImage photograph(size, QImage::Format_ARGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            photograph.setPixelColor(
+                x, y, QColor((x * 7 + y) % 256, (y * 5) % 256, (x + y * 3) % 256, 255 - x % 64));
+    }
+    return photograph.convertToFormat(format);
+}
+
+/// The photograph with a circle in the plainest way: a fresh ARGB32 copy, painted on, made a pixmap.
+inline QImage plainPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
+                           const QColor &color = Qt::red, int penSize = 3, Qt::PenStyle square = Qt::DotLine)
+{
+    QImage copy = photograph.convertToFormat(QImage::Format_ARGB32);
+    if (circle) {
+        const auto [cx, cy, r] = *circle;
+        QPen pen(QBrush(color), static_cast<qreal>(penSize), Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
+        QPainter painter(&copy);
+        painter.setPen(pen);
+        painter.drawEllipse(QRect(cx - r, cy - r, 2 * r, 2 * r));
+        painter.drawLine(cx, cy - 2 * penSize, cx, cy + 2 * penSize);
+        painter.drawLine(cx - 2 * penSize, cy, cx + 2 * penSize, cy);
+        pen.setStyle(square);
+        painter.setPen(pen);
+        painter.drawRect(QRect(QPoint(cx - r, cy - r), QPoint(cx + r, cy + r)));
+    }
+    return QPixmap::fromImage(copy).toImage();
+}
