@@ -181,10 +181,11 @@ void tst_ConvertImage::paintsNothingFromTheSurfaceAndBelow_data()
 void tst_ConvertImage::paintsNothingFromTheSurfaceAndBelow()
 {
     QFETCH(double, distance);
+    // With 169 rows the edge of the cap falls a hair short of the pole, so that a row of its own remains.
     for (const int height : {2, 98, 1024}) {
         MessageLog log;
         QImage map = canvas(8, height, untouched);
-        paint(plain(49, 49), map, {24, 24, 20, distance});
+        paint(plain(49, 169), map, {24, 84, 20, distance});
         COMPARE_IMAGES(map, canvas(8, height, untouched));
         QCOMPARE(log.lines, QStringList("Convert error 0"));
     }
