@@ -406,7 +406,7 @@ void TestSelectionCircle::answersAtOnce_data()
 void TestSelectionCircle::answersAtOnce()
 {
     QFETCH(int, radius);
-    constexpr int hovers = 200;
+    constexpr qint64 hovers = 200;
     QElapsedTimer timer;
     timer.start();
     int cursors = 0;
