@@ -26,8 +26,7 @@ class CircleCanvas
 public:
     /// A new pixmap for each call; later calls leave it as it is. Fast as long as the caller lets go of the
     /// pixmap before the last, as a label does that is given the new one.
-    /// @param photograph  any format, any device pixel ratio (which is not looked at); null gives a null
-    /// pixmap
+    /// @param photograph  any format; null gives a null pixmap. Its device pixel ratio is not looked at.
     /// @param circle      none: the photograph alone
     QPixmap picture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
                     const CirclePen &pen);
