@@ -1,0 +1,142 @@
+// Times what a hand feels: one step of a drag that moves the circle, from the mouse event to the painted
+// widget. The plain way (convert the whole photograph, draw, make a pixmap) and the canvas take turns in
+// every round, so that a busy machine slows both alike; medians are printed. Before anything is timed, the
+// picture and the widget of both ways are compared pixel by pixel. Run it with QT_QPA_PLATFORM=offscreen.
+#include "circlecanvas.h"
+#include "myimage.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QTextStream>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <functional>
+#include <vector>
+
+namespace
+{
+
+QTextStream &out()
+{
+    static QTextStream stream(stdout);
+    return stream;
+}
+
+using Way = std::function<QPixmap(const SelectionCircle &)>;
+
+/// A picture on the screen whose circle is dragged about by its centre.
+class Drag
+{
+public:
+    Drag(QSize photograph, Way way) : m_circle(defaultCircle(photograph)), m_way(std::move(way))
+    {
+        m_label.setScaledContents(true);
+        m_label.setMinimumSize(320, 240);
+        m_label.resize(900, 700);
+        m_label.selectMode = true;
+        m_label.setPixmap(m_way(m_circle));
+        QObject::connect(&m_label, &MyImage::mouseleftdown, [this](int x, int y) { m_start = {x, y}; });
+        QObject::connect(&m_label, &MyImage::size_changing,
+                         [this](int, int, int, int, int, int, int x, int y) {
+                             m_label.setPixmap(m_way(moved(m_circle, m_start, {x, y})));
+                         });
+        m_label.show();
+        QApplication::processEvents();
+        send(QEvent::MouseButtonPress, {300, 200}, Qt::LeftButton);
+    }
+
+    /// Milliseconds of one step.
+    double step(int number)
+    {
+        const auto start = std::chrono::steady_clock::now();
+        send(QEvent::MouseMove, QPoint(300, 200) + QPoint(number % 40, number % 23), Qt::NoButton);
+        m_label.repaint();
+        return std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - start).count();
+    }
+
+    QImage picture() const { return m_label.pixmap(Qt::ReturnByValue).toImage(); }
+    QImage widget() { return m_label.grab().toImage(); }
+
+private:
+    void send(QEvent::Type type, QPoint position, Qt::MouseButton changed)
+    {
+        QMouseEvent event(type, position, changed, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(&m_label, &event);
+    }
+
+    SelectionCircle m_circle;
+    Way m_way;
+    MyImage m_label;
+    QPoint m_start;
+};
+
+QImage photograph(QSize size, bool withAlpha)
+{
+    QImage image(size, withAlpha ? QImage::Format_ARGB32 : QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < size.width(); ++x)
+            line[x] = qRgba(x * 7 % 256, y * 3 % 256, (x ^ y) % 256, withAlpha && x < 100 ? x : 255);
+    }
+    return image;
+}
+
+double median(std::vector<double> times)
+{
+    std::sort(times.begin(), times.end());
+    return times[times.size() / 2];
+}
+
+bool measure(const QString &name, const QImage &image)
+{
+    const CirclePen pen{Qt::red, 3, Qt::DotLine};
+    CircleCanvas canvas;
+    Drag plain(image.size(), [&](const SelectionCircle &circle) {
+        QImage copy = image.convertToFormat(QImage::Format_ARGB32);
+        drawCircle(copy, circle, pen.color, pen.size, pen.square);
+        return QPixmap::fromImage(copy);
+    });
+    Drag fast(image.size(),
+              [&](const SelectionCircle &circle) { return canvas.picture(image, circle, pen); });
+
+    constexpr int comparedSteps = 5;
+    for (int i = 0; i < comparedSteps; ++i) {
+        plain.step(i);
+        fast.step(i);
+        if (plain.picture() != fast.picture() || plain.picture().format() != fast.picture().format() ||
+            plain.widget() != fast.widget()) {
+            out() << name << ": FAILED, step " << i << " differs\n";
+            return false;
+        }
+    }
+    std::vector<double> plainTimes;
+    std::vector<double> fastTimes;
+    constexpr int rounds = 25;
+    for (int i = 0; i < rounds; ++i) {
+        plainTimes.push_back(plain.step(i));
+        fastTimes.push_back(fast.step(i));
+    }
+    const double before = median(plainTimes);
+    const double after = median(fastTimes);
+    out() << QString("%1  plain %2 ms  canvas %3 ms  factor %4\n")
+                 .arg(name, -34)
+                 .arg(before, 6, 'f', 1)
+                 .arg(after, 5, 'f', 1)
+                 .arg(before / after, 5, 'f', 1);
+    return true;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QApplication application(argc, argv);
+    bool ok = true;
+    ok = measure("12 megapixels", photograph({4000, 3000}, false)) && ok;
+    ok = measure("24 megapixels", photograph({6000, 4000}, false)) && ok;
+    ok = measure("12 megapixels with alpha", photograph({4000, 3000}, true)) && ok;
+    ok = measure("24 megapixels with alpha", photograph({6000, 4000}, true)) && ok;
+    return ok ? EXIT_SUCCESS : EXIT_FAILURE;
+}
