@@ -3,8 +3,9 @@
 #include "ui_option.h"
 #include "uitexts.h"
 
+#include <QEvent>
 #include <QMessageBox>
-#include <QVector>
+#include <QTimer>
 
 namespace
 {
@@ -83,9 +84,8 @@ void Option::readFields()
     azimuth = ui->lineAzimuth->text().toDouble();
 }
 
-/// Selects every field whose value is out of range; the last one gets the focus.
-/// @return whether there was any
-bool Option::selectFieldsOutOfRange()
+/// The fields whose values are out of range, in the order of the checks.
+QVector<QLineEdit *> Option::fieldsOutOfRange() const
 {
     const RangeCheck checks[] = {
         {distance, 1.0, 100.0, ui->lineDistance},
@@ -97,26 +97,45 @@ bool Option::selectFieldsOutOfRange()
         {longitude, -180.0, 180.0, ui->lineLongitude},
         {azimuth, 0.0, 360.0, ui->lineAzimuth},
     };
-    QVector<QLineEdit *> failing;
+    QVector<QLineEdit *> fields;
     for (const RangeCheck &check : checks) {
-        if (check.fails()) {
-            failing.append(check.field);
-            check.field->setFocus(Qt::OtherFocusReason);
-        }
+        if (check.fails())
+            fields.append(check.field);
     }
-    // A field drops its selection when the focus moves on, so they are selected once it has come to rest.
-    for (QLineEdit *field : qAsConst(failing))
-        field->selectAll();
-    return !failing.isEmpty();
+    return fields;
+}
+
+bool Option::event(QEvent *event)
+{
+    // In a window that becomes active, as this one does when the warning is closed, the toolkit drops the
+    // selection of every field but the focused one: each field sets up a timer of no time for that. A second such
+    // timer, started when the first one fires, comes after all of them.
+    if (event->type() == QEvent::WindowActivate && !m_refused.isEmpty())
+        QTimer::singleShot(0, this, [this] { QTimer::singleShot(0, this, &Option::selectRefusedAgain); });
+    return QDialog::event(event);
+}
+
+void Option::selectRefusedAgain()
+{
+    for (QLineEdit *field : qAsConst(m_refused)) {
+        if (!field->hasFocus())
+            field->selectAll();
+    }
+    m_refused.clear();
 }
 
 void Option::on_btnOk_clicked()
 {
     readFields();
-    if (!selectFieldsOutOfRange()) {
+    m_refused = fieldsOutOfRange();
+    if (m_refused.isEmpty()) {
         accept();
         return;
     }
+    for (QLineEdit *field : qAsConst(m_refused))
+        field->setFocus(Qt::OtherFocusReason);
+    for (QLineEdit *field : qAsConst(m_refused)) // a field drops its selection when the focus moves on
+        field->selectAll();
     QMessageBox box(this);
     box.setText(showString.value(QStringLiteral("error_mess")));
     box.setWindowTitle(windowTitle());

@@ -3,8 +3,11 @@
 #include <QDialog>
 #include <QMap>
 #include <QString>
+#include <QVector>
 
 #include <memory>
+
+class QLineEdit;
 
 namespace Ui
 {
@@ -44,6 +47,9 @@ public:
     /// @return QDialog::Accepted or QDialog::Rejected
     int exec() override;
 
+protected:
+    bool event(QEvent *event) override;
+
 private slots:
     void on_btnOk_clicked();
     void on_btnCancel_clicked();
@@ -52,5 +58,8 @@ private slots:
 private:
     void showMembers();
     void readFields();
-    bool selectFieldsOutOfRange();
+    QVector<QLineEdit *> fieldsOutOfRange() const;
+    void selectRefusedAgain();
+
+    QVector<QLineEdit *> m_refused; // fields out of range at the last OK, until the warning is gone
 };

@@ -14,6 +14,9 @@
 namespace
 {
 
+constexpr int pollIntervalMs = 5;
+constexpr int inactivePollsLimit = 100;
+
 QString describe(const QWidget &window)
 {
     const auto *box = qobject_cast<const QMessageBox *>(&window);
@@ -43,7 +46,7 @@ void forceClosed(QWidget *window)
 ModalDriver::ModalDriver(int timeLimitMs) : m_timeLimitMs(timeLimitMs)
 {
     connect(&m_timer, &QTimer::timeout, this, &ModalDriver::poll);
-    m_timer.start(5);
+    m_timer.start(pollIntervalMs);
 }
 
 ModalDriver::~ModalDriver()
@@ -92,6 +95,12 @@ void ModalDriver::poll()
     QWidget *window = QApplication::activeModalWidget();
     if (!window || !window->isVisible() || m_seen.contains(window))
         return;
+    if (!window->isActiveWindow()) {
+        if (++m_inactivePolls < inactivePollsLimit)
+            return;
+        QApplication::setActiveWindow(window); // without a window manager nobody else may do it
+    }
+    m_inactivePolls = 0;
     m_seen.append(window);
     window->installEventFilter(this);
     // A timer does not fire inside its own slot, but the action may open a window that must be answered.
@@ -112,8 +121,6 @@ void ModalDriver::answer(QWidget *window)
         fail(QStringLiteral("%1 opened unannounced").arg(name));
     } else {
         const Expectation expected = m_expected.dequeue();
-        if (!window->isActiveWindow())
-            QApplication::setActiveWindow(window);
         ++m_acting;
         if (!expected.act(window))
             fail(QStringLiteral("%1 opened instead of a %2").arg(name, expected.type));

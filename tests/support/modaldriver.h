@@ -85,6 +85,7 @@ private:
     QVector<QPointer<QWidget>> m_seen; // open windows that have been answered or are about to be
     QStringList m_failures;
     int m_timeLimitMs;
+    int m_inactivePolls = 0; // how often the newest window was found waiting for its activation
     int m_acting = 0;
     bool m_asked = false;
 };
