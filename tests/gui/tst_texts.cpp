@@ -380,7 +380,6 @@ void tst_Texts::unreadableFileGivesBuiltInTexts()
         writeLanguageFile("[main]\n" + everyKeyReplaced());
         QVERIFY(QFile::setPermissions(m_window->langFile, {}));
         OrdinaryUser::own(m_window->langFile);
-        OrdinaryUser::own(m_folder->path());
     } else if (obstacle == "link") {
         QVERIFY(QFile::link(m_folder->filePath("nowhere"), m_window->langFile));
     } else if (obstacle == "noise") {
@@ -392,6 +391,7 @@ void tst_Texts::unreadableFileGivesBuiltInTexts()
         const QString text = QString::fromUtf8("[main]\n" + everyKeyReplaced());
         writeLanguageFile(QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
     }
+    OrdinaryUser::own(m_folder->path());
     {
         const OrdinaryUser user;
         ModalDriver driver; // nothing is reported

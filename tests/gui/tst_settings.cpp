@@ -1,0 +1,783 @@
+#include "messagecollector.h"
+#include "modaldriver.h"
+#include "restraints.h"
+#include "settingsdump.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <limits>
+
+namespace
+{
+
+/// What a key is when the file does not have it. Doubles by their values, see settingsOf().
+const QStringList defaults{
+    "Geometry=655 x 606 at 0, 0",
+    "PreviewGeometry=640 x 480 at 0, 0",
+    "PreviewWindow=false",
+    "AutoPreview=false",
+    "AutoSize=true",
+    "PenSize=3",
+    "PenColor=#ffff0000",
+    "CenterX=0",
+    "CenterY=0",
+    "Radius=0",
+    "Distance=" + bits(100.0),
+    "OutputSizeX=2048",
+    "OutputSizeY=1024",
+    "LoadFileName=",
+    "SaveFileName=",
+    "InputFolder=",
+    "OutputFolder=",
+    "InputFileSortType=0",
+    "OutputFileNameType=0",
+    "OutputFormat=0",
+    "OutputQuality=85",
+    "Latitude=" + bits(0.0),
+    "Longitude=" + bits(0.0),
+    "Azimuth=" + bits(0.0),
+    "Overwrite=true",
+    "OpenFiler=true",
+};
+
+const QStringList flags{"PreviewWindow", "AutoPreview", "AutoSize", "Overwrite", "OpenFiler"};
+const QStringList numbers{"PenSize",      "CenterX",      "CenterY",           "Radius",
+                          "OutputSizeX",  "OutputSizeY",  "InputFileSortType", "OutputFileNameType",
+                          "OutputFormat", "OutputQuality"};
+const QStringList doubles{"Distance", "Latitude", "Longitude", "Azimuth"};
+const QStringList names{"LoadFileName", "SaveFileName", "InputFolder", "OutputFolder"};
+
+/// One setting as a hand writes it, and as it arrives.
+struct Written {
+    const char *key;
+    const char *inFile;
+    QString arrives;
+};
+
+const QVector<Written> written{
+    {"PreviewWindow", "true", "true"},
+    {"AutoPreview", "true", "true"},
+    {"AutoSize", "false", "false"},
+    {"PenSize", "7", "7"},
+    {"PenColor", "#80FFCC01", "#80ffcc01"},
+    {"CenterX", "-12", "-12"},
+    {"CenterY", "345", "345"},
+    {"Radius", "678", "678"},
+    {"Distance", "6.6", bits(6.6)},
+    {"OutputSizeX", "100", "100"}, // smaller than the options dialog allows
+    {"OutputSizeY", "9999", "9999"},
+    {"LoadFileName", "/写真/地球 𠮷田🌏.jpg", "/写真/地球 𠮷田🌏.jpg"},
+    {"SaveFileName", "\"/maps/a, b; c.png\"", "/maps/a, b; c.png"},
+    {"InputFolder", "C:/in", "C:/in"},
+    {"OutputFolder", "\\\\\\\\server\\\\out", "\\\\\\\\server\\\\out"}, // escaped here and in the dump
+    {"InputFileSortType", "1", "1"},
+    {"OutputFileNameType", "2", "2"},
+    {"OutputFormat", "1", "1"},
+    {"OutputQuality", "12", "12"},
+    {"Latitude", "-500.25", bits(-500.25)},
+    {"Longitude", "139.7454321", bits(139.7454321)},
+    {"Azimuth", "1e-3", bits(0.001)},
+    {"Overwrite", "false", "false"},
+    {"OpenFiler", "false", "false"},
+};
+
+/// Bytes as the ini format writes them.
+QByteArray byteArray(const QByteArray &bytes)
+{
+    QByteArray text;
+    for (const char byte : bytes)
+        text += "\\x" + QByteArray::number(static_cast<unsigned char>(byte), 16);
+    return "@ByteArray(" + text + ')';
+}
+
+QStringList defaultsBut(const QString &key, const QString &value)
+{
+    QStringList settings = defaults;
+    for (QString &setting : settings) {
+        if (setting.startsWith(key + '='))
+            setting = key + '=' + value;
+    }
+    return settings;
+}
+
+QByteArray contentsOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void writeFile(const QString &path, const QByteArray &contents)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
+        qFatal("cannot write %s", qPrintable(path));
+}
+
+/// The value that the lines of an ini file have for a key.
+QByteArray valueIn(const QByteArray &file, const QByteArray &key)
+{
+    for (const QByteArray &line : file.split('\n')) {
+        if (line.startsWith(key + '='))
+            return line.mid(key.size() + 1);
+    }
+    return "no such key";
+}
+
+} // namespace
+
+class tst_Settings : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void withoutFileEverythingIsDefault();
+    void everyKeyIsRead();
+    void oneKeyChangesOneValue_data();
+    void oneKeyChangesOneValue();
+    void geometriesAreRead();
+    void keysOfOtherGroupsAreIgnored();
+    void lineEditsShowTheCircle();
+    void numbersAreConverted_data();
+    void numbersAreConverted();
+    void anyGeometryIsSurvived_data();
+    void anyGeometryIsSurvived();
+    void colours_data();
+    void colours();
+
+    void obstaclesGiveDefaults_data();
+    void obstaclesGiveDefaults();
+    void hugeFile_data();
+    void hugeFile();
+
+    void onlyClosingWrites();
+    void closingHiddenWrites();
+    void fileNamesArePlainText_data();
+    void fileNamesArePlainText();
+    void valuesComeBack_data();
+    void valuesComeBack();
+    void keysInTheFile();
+    void unknownKeysStay();
+    void previewFlagIsItsVisibility_data();
+    void previewFlagIsItsVisibility();
+    void invalidColourIsSavedAsBlack();
+
+    void oldFileSurvivesAFullDisk_data();
+    void oldFileSurvivesAFullDisk();
+    void oldFileSurvivesASizeLimit();
+    void readOnlyFolderKeepsTheOldFile();
+    void unreadableFileIsKept();
+
+    void reloadedPhotographProposesItsName();
+    void lostPhotographIsForgotten();
+
+private:
+    QString path(const QString &name) const { return m_folder->filePath(name); }
+    std::unique_ptr<TestWindow> freshWindow() const;
+    QStringList loaded(const QByteArray &contents) const;
+    QByteArray saved(TestWindow &window) const;
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestWindow> m_window;
+};
+
+void tst_Settings::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_window = freshWindow();
+}
+
+void tst_Settings::cleanup()
+{
+    m_window.reset();
+}
+
+std::unique_ptr<TestWindow> tst_Settings::freshWindow() const
+{
+    auto window = std::make_unique<TestWindow>();
+    window->settingFile = path("tool.ini");
+    window->langFile = path("tool_lang.ini");
+    window->startTimer->stop();
+    return window;
+}
+
+// What a fresh window holds after it has read a settings file with these contents.
+QStringList tst_Settings::loaded(const QByteArray &contents) const
+{
+    writeFile(path("tool.ini"), contents);
+    const auto window = freshWindow();
+    window->readShowString();
+    return settingsOf(*window);
+}
+
+QByteArray tst_Settings::saved(TestWindow &window) const
+{
+    window.close();
+    return contentsOf(window.settingFile);
+}
+
+void tst_Settings::withoutFileEverythingIsDefault()
+{
+    m_window->readShowString();
+    QCOMPARE(settingsOf(*m_window), defaults);
+    QCOMPARE(loaded(""), defaults);
+    QCOMPARE(loaded("[General]\n"), defaults);
+}
+
+void tst_Settings::everyKeyIsRead()
+{
+    QByteArray file = "[General]\n";
+    QStringList expected = defaults.mid(0, 2); // the geometries
+    for (const Written &setting : written) {
+        file += QByteArray(setting.key) + '=' + setting.inFile + '\n';
+        expected.append(QString(setting.key) + '=' + setting.arrives);
+    }
+    QCOMPARE(expected.size(), 26);
+    QCOMPARE(loaded(file), expected);
+    QCOMPARE(loaded(file.mid(10)), expected); // without the name of the group
+}
+
+void tst_Settings::oneKeyChangesOneValue_data()
+{
+    QTest::addColumn<int>("index");
+    for (int i = 0; i < written.size(); ++i)
+        QTest::newRow(written[i].key) << i;
+}
+
+void tst_Settings::oneKeyChangesOneValue()
+{
+    QFETCH(int, index);
+    const Written &setting = written[index];
+    const QStringList expected = defaultsBut(setting.key, setting.arrives);
+    QVERIFY(expected != defaults);
+    QCOMPARE(loaded(QByteArray("[General]\n") + setting.key + '=' + setting.inFile + '\n'), expected);
+}
+
+void tst_Settings::geometriesAreRead()
+{
+    QWidget model;
+    model.setGeometry(30, 40, 700, 650);
+    const QByteArray window = byteArray(model.saveGeometry());
+    model.setGeometry(60, 20, 333, 222);
+    const QByteArray preview = byteArray(model.saveGeometry());
+    const QStringList settings =
+        loaded("[General]\nGeometry=" + window + "\nPreviewGeometry=" + preview + '\n');
+    QCOMPARE(settingIn(settings, "Geometry"), QString("700 x 650 at 30, 40"));
+    QCOMPARE(settingIn(settings, "PreviewGeometry"), QString("333 x 222 at 60, 20"));
+}
+
+void tst_Settings::keysOfOtherGroupsAreIgnored()
+{
+    QByteArray keys;
+    for (const Written &setting : written)
+        keys += QByteArray(setting.key) + '=' + setting.inFile + '\n';
+    QCOMPARE(loaded("[main]\n" + keys), defaults);
+    QCOMPARE(loaded("[%General]\n" + keys), defaults);
+}
+
+void tst_Settings::lineEditsShowTheCircle()
+{
+    writeFile(path("tool.ini"), "[General]\nCenterX=-1\nCenterY=22\nRadius=2147483647\n");
+    m_window->readShowString();
+    QCOMPARE(m_window->ui->lineCenterX->text(), QString("-1"));
+    QCOMPARE(m_window->ui->lineCenterY->text(), QString("22"));
+    QCOMPARE(m_window->ui->lineRadius->text(), QString("2147483647"));
+}
+
+// One written value, read as each of the four types. Nothing is checked or clamped.
+void tst_Settings::numbersAreConverted_data()
+{
+    QTest::addColumn<QByteArray>("inFile");
+    QTest::addColumn<int>("number");
+    QTest::addColumn<double>("real");
+    QTest::addColumn<bool>("flag");
+    QTest::addColumn<QString>("text");
+    const double inf = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    QTest::newRow("largest int") << QByteArray("2147483647") << 2147483647 << 2147483647.0 << true
+                                 << "2147483647";
+    QTest::newRow("one more wraps") << QByteArray("2147483648") << std::numeric_limits<int>::min()
+                                    << 2147483648.0 << true << "2147483648";
+    QTest::newRow("smallest int") << QByteArray("-2147483648") << std::numeric_limits<int>::min()
+                                  << -2147483648.0 << true << "-2147483648";
+    QTest::newRow("huge wraps") << QByteArray("99999999999") << 1215752191 << 99999999999.0 << true
+                                << "99999999999";
+    QTest::newRow("negative") << QByteArray("-5") << -5 << -5.0 << true << "-5";
+    QTest::newRow("a fraction is no int") << QByteArray("3.7") << 0 << 3.7 << true << "3.7";
+    QTest::newRow("an exponent is no int") << QByteArray("1e2") << 0 << 100.0 << true << "1e2";
+    QTest::newRow("no number") << QByteArray("nan") << 0 << nan << true << "nan";
+    QTest::newRow("infinite") << QByteArray("inf") << 0 << inf << true << "inf";
+    QTest::newRow("infinite downwards") << QByteArray("-inf") << 0 << -inf << true << "-inf";
+    QTest::newRow("too large for a double") << QByteArray("1e400") << 0 << inf << true << "1e400";
+    QTest::newRow("largest double") << QByteArray("1.7976931348623157e308") << 0 << 1.7976931348623157e308
+                                    << true << "1.7976931348623157e308";
+    QTest::newRow("smallest double") << QByteArray("4.9406564584124654e-324") << 0 << 4.9406564584124654e-324
+                                     << true << "4.9406564584124654e-324";
+    QTest::newRow("a list") << QByteArray("6,6") << 0 << 0.0 << false << "";
+    QTest::newRow("a long list") << QByteArray(100000, ',') << 0 << 0.0 << false << "";
+    QTest::newRow("empty") << QByteArray("") << 0 << 0.0 << false << "";
+    QTest::newRow("text") << QByteArray("yes") << 0 << 0.0 << true << "yes";
+    QTest::newRow("false") << QByteArray("false") << 0 << 0.0 << false << "false";
+    QTest::newRow("FALSE") << QByteArray("FALSE") << 0 << 0.0 << false << "FALSE";
+    QTest::newRow("0") << QByteArray("0") << 0 << 0.0 << false << "0";
+    QTest::newRow("0.0 is true") << QByteArray("0.0") << 0 << 0.0 << true << "0.0";
+    QTest::newRow("hexadecimal") << QByteArray("0x10") << 0 << 0.0 << true << "0x10";
+    QTest::newRow("digits of full width") << QByteArray("１２") << 0 << 0.0 << true << "１２";
+    QTest::newRow("blanks around") << QByteArray("\" 5 \"") << 5 << 5.0 << true << " 5 ";
+    QTest::newRow("bytes") << QByteArray("@ByteArray(5)") << 5 << 5.0 << true << "5";
+    QTest::newRow("a size") << QByteArray("@Size(3 4)") << 0 << 0.0 << false << "";
+    QTest::newRow("nothing") << QByteArray("@Invalid()") << 0 << 0.0 << false << "";
+    QTest::newRow("a stored int") << QByteArray(R"(@Variant(\0\0\0\x2\0\0\0\x7))") << 7 << 7.0 << true << "7";
+    QTest::newRow("a stored value of no type")
+        << QByteArray(R"(@Variant(\xff\xff\xff\x7f))") << 0 << 0.0 << false << "";
+    QTest::newRow("a stored value cut off") << QByteArray("@Variant(") << 0 << 0.0 << true << "@Variant(";
+    QTest::newRow("a stored map that lies about its size")
+        << QByteArray(R"(@Variant(\0\0\0\x8\x7f\xff\xff\xff))") << 0 << 0.0 << false << "";
+    QTest::newRow("binary noise") << QByteArray("\x1f\xff\xfe\x7f\x80") << 0 << 0.0 << true
+                                  << QString("\x1f\ufffd\ufffd\x7f\ufffd");
+    QTest::newRow("very long") << QByteArray(1000000, '9') << 0 << inf << true << QString(1000000, '9');
+}
+
+void tst_Settings::numbersAreConverted()
+{
+    QFETCH(QByteArray, inFile);
+    QFETCH(int, number);
+    QFETCH(double, real);
+    QFETCH(bool, flag);
+    QFETCH(QString, text);
+    QByteArray file = "[General]\n";
+    for (const QString &key : flags + numbers + doubles + names)
+        file += key.toUtf8() + '=' + inFile + '\n';
+    const MessageCollector collector; // the toolkit grumbles about some
+    const QStringList settings = loaded(file);
+    for (const QString &key : flags)
+        QCOMPARE(key + settingIn(settings, key), key + (flag ? "true" : "false"));
+    for (const QString &key : numbers)
+        QCOMPARE(key + settingIn(settings, key), key + QString::number(number));
+    for (const QString &key : doubles)
+        QCOMPARE(key + settingIn(settings, key), key + bits(real));
+    for (const QString &key : names)
+        QCOMPARE(key + settingIn(settings, key), key + text);
+
+    // Whatever came in, the window starts, shows itself and closes.
+    m_window->readShowString();
+    m_window->loadFileName.clear();
+    m_window->show();
+    m_window->slot("timeout");
+    QVERIFY(!m_window->grab().isNull());
+    QVERIFY(m_window->close());
+}
+
+void tst_Settings::anyGeometryIsSurvived_data()
+{
+    QWidget model;
+    model.setGeometry(30, 40, 700, 650);
+    const QByteArray valid = model.saveGeometry();
+    QTest::addColumn<QByteArray>("inFile");
+    QTest::addColumn<bool>("asBuilt");
+    QTest::newRow("empty") << QByteArray() << true;
+    QTest::newRow("a number") << QByteArray("5") << true;
+    QTest::newRow("a list") << QByteArray("1, 2, 3") << true;
+    QTest::newRow("empty bytes") << QByteArray("@ByteArray()") << true;
+    QTest::newRow("noise") << byteArray("\x12\x34\xff\x7f noise") << true;
+    for (const int bytes : {3, 4, 8, 20, 40})
+        QTest::addRow("cut after %d bytes", bytes) << byteArray(valid.left(bytes)) << (bytes < 4);
+    for (const char byte : {'\x00', '\x7f', '\x80', '\xff'}) {
+        const QByteArray lies(valid.size() - 8, byte);
+        QTest::addRow("numbers of bytes %02x", static_cast<unsigned char>(byte))
+            << byteArray(valid.left(8) + lies) << false;
+    }
+}
+
+void tst_Settings::anyGeometryIsSurvived()
+{
+    QFETCH(QByteArray, inFile);
+    QFETCH(bool, asBuilt);
+    const QStringList settings =
+        loaded("[General]\nGeometry=" + inFile + "\nPreviewGeometry=" + inFile + "\nPenSize=9\n");
+    if (asBuilt)
+        QCOMPARE(settings, defaultsBut("PenSize", "9"));
+    m_window->readShowString();
+    m_window->show();
+    m_window->previewWindow->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_window.get()));
+    QVERIFY(m_window->width() >= 600);
+    QVERIFY(m_window->height() >= 550);
+    QCOMPARE(m_window->penSize, 9);
+    QVERIFY(m_window->close());
+}
+
+void tst_Settings::colours_data()
+{
+    QTest::addColumn<QByteArray>("inFile");
+    QTest::addColumn<QString>("colour");
+    QTest::newRow("alpha first") << QByteArray("#80010203") << "#80010203";
+    QTest::newRow("upper case") << QByteArray("#FFABCDEF") << "#ffabcdef";
+    QTest::newRow("without alpha") << QByteArray("#123456") << "#ff123456";
+    QTest::newRow("short") << QByteArray("#f80") << "#ffff8800";
+    QTest::newRow("a name") << QByteArray("blue") << "#ff0000ff";
+    QTest::newRow("transparent") << QByteArray("transparent") << "#00000000";
+    QTest::newRow("unknown name") << QByteArray("aka") << "invalid";
+    QTest::newRow("too many digits") << QByteArray("#1234567890abcdef") << "invalid";
+    QTest::newRow("empty") << QByteArray() << "invalid";
+    QTest::newRow("a list") << QByteArray("255, 0, 0") << "invalid";
+    QTest::newRow("bytes") << QByteArray("@ByteArray(#ff010203)") << "#ff010203";
+}
+
+void tst_Settings::colours()
+{
+    QFETCH(QByteArray, inFile);
+    QFETCH(QString, colour);
+    const QStringList settings = loaded("[General]\nPenColor=" + inFile + '\n');
+    QCOMPARE(settings, defaultsBut("PenColor", colour));
+    m_window->readShowString();
+    const QByteArray file = saved(*m_window);
+    QCOMPARE(valueIn(file, "PenColor"), colour == "invalid" ? QByteArray("#ff000000") : colour.toLatin1());
+    QCOMPARE(settingIn(loaded(file), "PenColor"), colour == "invalid" ? QString("#ff000000") : colour);
+}
+
+void tst_Settings::obstaclesGiveDefaults_data()
+{
+    QTest::addColumn<QString>("obstacle");
+    QTest::newRow("a folder in its place") << "folder";
+    QTest::newRow("no permission") << "permission";
+    QTest::newRow("a link to nowhere") << "link";
+    QTest::newRow("a link to itself") << "ring";
+    QTest::newRow("binary noise") << "noise";
+    QTest::newRow("a device without end") << "device";
+}
+
+void tst_Settings::obstaclesGiveDefaults()
+{
+    QFETCH(QString, obstacle);
+    const QString file = m_window->settingFile;
+    if (obstacle == "folder") {
+        QVERIFY(QDir().mkdir(file));
+    } else if (obstacle == "permission") {
+        writeFile(file, "[General]\nPenSize=9\n");
+        OrdinaryUser::own(file);
+        QVERIFY(QFile::setPermissions(file, {}));
+    } else if (obstacle == "link") {
+        QVERIFY(QFile::link(path("nowhere"), file));
+    } else if (obstacle == "ring") {
+        QVERIFY(QFile::link(file, file));
+    } else if (obstacle == "device") {
+        QVERIFY(QFile::link("/dev/zero", file));
+    } else {
+        QByteArray noise;
+        for (unsigned i = 0, value = 1; i < 100000; ++i, value = value * 1103515245 + 12345)
+            noise.append(static_cast<char>(value >> 16));
+        writeFile(file, noise);
+    }
+    OrdinaryUser::own(m_folder->path());
+    const OrdinaryUser user;
+    ModalDriver driver; // nothing is reported
+    m_window->readShowString();
+    QCOMPARE(settingsOf(*m_window), defaults);
+    m_window->show();
+    QVERIFY(m_window->close());
+    QVERIFY(driver.done());
+    if (obstacle == "folder")
+        QVERIFY(QFileInfo(file).isDir());
+}
+
+void tst_Settings::hugeFile_data()
+{
+    QTest::addColumn<QByteArray>("filler");
+    QTest::newRow("one value of 10 MB") << "Filler=" + QByteArray(10 << 20, 'x') + '\n';
+    QTest::newRow("10 MB without a line break") << QByteArray(10 << 20, 'x') + '\n';
+    QTest::newRow("10 MB of line breaks") << QByteArray(10 << 20, '\n');
+    QTest::newRow("10 MB of remarks") << QByteArray("; a remark without any sense\n").repeated(360000);
+    QTest::newRow("10 MB of keys") << [] {
+        QByteArray keys;
+        for (int i = 0; keys.size() < 10 << 20; ++i)
+            keys += "UnknownKeyNumber" + QByteArray::number(i) + "=some value that nobody asked for\n";
+        return keys;
+    }();
+}
+
+void tst_Settings::hugeFile()
+{
+    QFETCH(QByteArray, filler);
+    QCOMPARE(loaded("[General]\nPenSize=9\n" + filler + "CenterX=77\n"),
+             defaultsBut("PenSize", "9").replaceInStrings("CenterX=0", "CenterX=77"));
+}
+
+void tst_Settings::onlyClosingWrites()
+{
+    m_window->readShowString();
+    m_window->show();
+    m_window->slot("timeout");
+    m_window->penSize = 8;
+    QTest::keyClick(m_window->ui->lineRadius, Qt::Key_Return);
+    m_window->ui->actionAuto_Preview->trigger();
+    m_window->ui->actionParam_Reset->trigger();
+    QVERIFY(!QFile::exists(m_window->settingFile));
+    QVERIFY(m_window->close());
+    QCOMPARE(valueIn(contentsOf(m_window->settingFile), "PenSize"), QByteArray("8"));
+    QCOMPARE(valueIn(contentsOf(m_window->settingFile), "AutoPreview"), QByteArray("true"));
+}
+
+void tst_Settings::closingHiddenWrites()
+{
+    m_window->readShowString();
+    m_window->close();
+    QCOMPARE(valueIn(contentsOf(m_window->settingFile), "OutputQuality"), QByteArray("85"));
+}
+
+void tst_Settings::fileNamesArePlainText_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QByteArray>("inFile");
+    QTest::newRow("Japanese") << "/写真/地球.jpg" << QByteArray("/写真/地球.jpg");
+    QTest::newRow("beyond the basic plane") << "/𠮷田.jpg" << QByteArray("/𠮷田.jpg");
+    QTest::newRow("emoji") << "/🌏👩‍🚀🇯🇵.png" << QByteArray("/🌏👩‍🚀🇯🇵.png");
+    QTest::newRow("accents") << "/é è ñ.jpg" << QByteArray("/é è ñ.jpg");
+    QTest::newRow("comma") << "/a, b.jpg" << QByteArray("\"/a, b.jpg\"");
+    QTest::newRow("at sign first") << "@home" << QByteArray("@@home");
+}
+
+void tst_Settings::fileNamesArePlainText()
+{
+    QFETCH(QString, name);
+    QFETCH(QByteArray, inFile);
+    m_window->readShowString();
+    m_window->loadFileName = m_window->saveFileName = m_window->inputFolder = m_window->outputFolder = name;
+    const QByteArray file = saved(*m_window);
+    for (const QString &key : names)
+        QCOMPARE(valueIn(file, key.toLatin1()), inFile);
+    const QStringList settings = loaded(file);
+    for (const QString &key : names)
+        QCOMPARE(settingIn(settings, key), name);
+}
+
+void tst_Settings::valuesComeBack_data()
+{
+    QTest::addColumn<int>("number");
+    QTest::addColumn<double>("real");
+    QTest::addColumn<bool>("flag");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("ordinary") << 1234 << 139.7454321 << true << "/a/b.jpg";
+    QTest::newRow("largest") << 2147483647 << 1.7976931348623157e308 << false
+                             << "\"quoted\" \\ back;slash, comma";
+    QTest::newRow("smallest") << std::numeric_limits<int>::min() << 4.9406564584124654e-324 << true
+                              << " outer blanks ";
+    QTest::newRow("zero") << 0 << 0.0 << false << "";
+    QTest::newRow("a third") << -1 << 1.0 / 3 << true << "line\nbreak\ttab";
+    QTest::newRow("a tenth and a bit") << 1 << 0.1 + 0.2 << true << "@ByteArray(x) @Invalid()";
+    QTest::newRow("infinite") << 1 << std::numeric_limits<double>::infinity() << true << "%20 %1 %%";
+    QTest::newRow("long") << 1 << -1e300 << true << QString(100000, QChar(0x5730));
+}
+
+void tst_Settings::valuesComeBack()
+{
+    QFETCH(int, number);
+    QFETCH(double, real);
+    QFETCH(bool, flag);
+    QFETCH(QString, text);
+    m_window->readShowString();
+    for (int TestWindow::*member :
+         {&TestWindow::penSize, &TestWindow::centerX, &TestWindow::centerY, &TestWindow::radius,
+          &TestWindow::outputSizeX, &TestWindow::outputSizeY, &TestWindow::sortType, &TestWindow::nameType,
+          &TestWindow::format, &TestWindow::quality})
+        m_window.get()->*member = number;
+    for (double TestWindow::*member :
+         {&TestWindow::distance, &TestWindow::latitude, &TestWindow::longitude, &TestWindow::azimuth})
+        m_window.get()->*member = real;
+    for (bool TestWindow::*member :
+         {&TestWindow::autoPreview, &TestWindow::autoSize, &TestWindow::overwrite, &TestWindow::openFiler})
+        m_window.get()->*member = flag;
+    for (QString TestWindow::*member : {&TestWindow::loadFileName, &TestWindow::saveFileName,
+                                        &TestWindow::inputFolder, &TestWindow::outputFolder})
+        m_window.get()->*member = text;
+    m_window->setGeometry(50, 60, 700, 650);
+    m_window->previewWindow->setGeometry(100, 120, 500, 400);
+    const QStringList before = settingsOf(*m_window);
+    m_window->close();
+    const auto next = freshWindow();
+    next->readShowString();
+    QCOMPARE(settingsOf(*next), before);
+}
+
+void tst_Settings::keysInTheFile()
+{
+    m_window->readShowString();
+    QStringList expected;
+    for (const QString &setting : defaults)
+        expected.append(setting.section('=', 0, 0));
+    expected.sort();
+    QStringList keys;
+    const QByteArray file = saved(*m_window);
+    QVERIFY(file.startsWith("[General]\n"));
+    for (const QByteArray &line : file.mid(10).split('\n')) {
+        if (!line.isEmpty())
+            keys.append(QString::fromUtf8(line).section('=', 0, 0));
+    }
+    QCOMPARE(keys, expected);
+    QCOMPARE(expected.size(), 26);
+}
+
+void tst_Settings::unknownKeysStay()
+{
+    writeFile(m_window->settingFile, "[General]\nMine=1\nPenSize=4\n\n[later version]\nPenSize=5\nNew=新\n");
+    m_window->readShowString();
+    m_window->penSize = 6;
+    const QByteArray file = saved(*m_window);
+    QCOMPARE(valueIn(file, "Mine"), QByteArray("1"));
+    QCOMPARE(valueIn(file, "PenSize"), QByteArray("6"));
+    const QByteArray later = file.mid(file.indexOf("[later%20version]"));
+    QCOMPARE(valueIn(later, "PenSize"), QByteArray("5"));
+    QCOMPARE(valueIn(later, "New"), QByteArray("新"));
+}
+
+void tst_Settings::previewFlagIsItsVisibility_data()
+{
+    QTest::addColumn<bool>("flag");
+    QTest::addColumn<bool>("visible");
+    QTest::newRow("flag set, window hidden") << true << false;
+    QTest::newRow("flag clear, window visible") << false << true;
+    QTest::newRow("both clear") << false << false;
+    QTest::newRow("both set") << true << true;
+}
+
+void tst_Settings::previewFlagIsItsVisibility()
+{
+    QFETCH(bool, flag);
+    QFETCH(bool, visible);
+    m_window->readShowString();
+    m_window->previewShow = flag;
+    m_window->show();
+    m_window->previewWindow->setVisible(visible);
+    QCOMPARE(valueIn(saved(*m_window), "PreviewWindow"), QByteArray(visible ? "true" : "false"));
+}
+
+void tst_Settings::invalidColourIsSavedAsBlack()
+{
+    m_window->readShowString();
+    m_window->penColor = QColor();
+    QCOMPARE(valueIn(saved(*m_window), "PenColor"), QByteArray("#ff000000"));
+}
+
+void tst_Settings::oldFileSurvivesAFullDisk_data()
+{
+    QTest::addColumn<int>("freeBytes");
+    QTest::newRow("no room at all") << 0;
+    QTest::newRow("room for the beginning") << 4096;
+}
+
+void tst_Settings::oldFileSurvivesAFullDisk()
+{
+    QFETCH(int, freeBytes);
+    QVERIFY(QDir().mkdir(path("disk")));
+    const SmallDisk disk(path("disk"), "64k");
+    if (!disk.isMounted()) {
+        qInfo("no small disk can be mounted here; the size limit stands in for it");
+        return;
+    }
+    m_window->settingFile = path("disk/tool.ini");
+    m_window->readShowString();
+    m_window->saveSetting();
+    const QByteArray before = contentsOf(m_window->settingFile);
+    QVERIFY(before.size() > 500);
+    disk.fill();
+    QVERIFY(QFile::resize(path("disk/filler"), QFileInfo(path("disk/filler")).size() - freeBytes));
+    m_window->loadFileName = QString(10000, 'x');
+    QVERIFY(m_window->close());
+    QCOMPARE(contentsOf(m_window->settingFile), before);
+    QCOMPARE(QDir(path("disk")).entryList(QDir::Files | QDir::Hidden), (QStringList{"filler", "tool.ini"}));
+}
+
+void tst_Settings::oldFileSurvivesASizeLimit()
+{
+    m_window->readShowString();
+    m_window->saveSetting();
+    const QByteArray before = contentsOf(m_window->settingFile);
+    m_window->loadFileName = QString(10000, 'x');
+    for (const rlim_t bytes : {0, 1, 500, 4096}) {
+        const MessageCollector collector; // the log may be a file too
+        const FileSizeLimit limit(bytes);
+        m_window->saveSetting();
+    }
+    QCOMPARE(contentsOf(m_window->settingFile), before);
+    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"tool.ini"});
+}
+
+void tst_Settings::readOnlyFolderKeepsTheOldFile()
+{
+    QVERIFY(QDir().mkdir(path("folder")));
+    m_window->settingFile = path("folder/tool.ini");
+    m_window->readShowString();
+    m_window->saveSetting();
+    const QByteArray before = contentsOf(m_window->settingFile);
+    OrdinaryUser::own(m_folder->path());
+    OrdinaryUser::own(path("folder"));
+    OrdinaryUser::own(m_window->settingFile);
+    const QFileDevice::Permissions enter = QFileDevice::ReadOwner | QFileDevice::ExeOwner;
+    QVERIFY(QFile::setPermissions(path("folder"), enter));
+    m_window->penSize = 9;
+    {
+        const OrdinaryUser user;
+        ModalDriver driver; // nothing is reported
+        m_window->show();
+        QVERIFY(m_window->close());
+        QVERIFY(driver.done());
+    }
+    QVERIFY(QFile::setPermissions(path("folder"), enter | QFileDevice::WriteOwner));
+    QCOMPARE(contentsOf(m_window->settingFile), before);
+}
+
+// What cannot be read cannot be merged with, so it is not replaced either.
+void tst_Settings::unreadableFileIsKept()
+{
+    writeFile(m_window->settingFile, "[General]\nMine=1\n");
+    OrdinaryUser::own(m_folder->path());
+    OrdinaryUser::own(m_window->settingFile);
+    QVERIFY(QFile::setPermissions(m_window->settingFile, QFileDevice::WriteOwner));
+    {
+        const OrdinaryUser user;
+        m_window->readShowString();
+        QVERIFY(m_window->close());
+    }
+    QVERIFY(QFile::setPermissions(m_window->settingFile, QFileDevice::ReadOwner));
+    QCOMPARE(contentsOf(m_window->settingFile), QByteArray("[General]\nMine=1\n"));
+}
+
+void tst_Settings::reloadedPhotographProposesItsName()
+{
+    QImage picture(40, 30, QImage::Format_RGB32);
+    picture.fill(Qt::blue);
+    QVERIFY(picture.save(path("地球.png")));
+    writeFile(
+        m_window->settingFile,
+        QString("[General]\nLoadFileName=%1\nSaveFileName=/else/where.jpg\n").arg(path("地球.png")).toUtf8());
+    m_window->readShowString();
+    QCOMPARE(m_window->saveFileName, QString("/else/where.jpg"));
+    m_window->show();
+    m_window->slot("timeout");
+    QCOMPARE(m_window->saveFileName, path("OV-地球.jpg"));
+    QCOMPARE(m_window->ui->lineSaveFilename->text(), QString("OV-地球.jpg"));
+    QCOMPARE(valueIn(saved(*m_window), "SaveFileName"), path("OV-地球.jpg").toUtf8());
+}
+
+void tst_Settings::lostPhotographIsForgotten()
+{
+    writeFile(
+        m_window->settingFile,
+        QString("[General]\nLoadFileName=%1\nSaveFileName=/else/where.jpg\n").arg(path("gone.png")).toUtf8());
+    m_window->readShowString();
+    m_window->show();
+    ModalDriver driver;
+    driver.expectMessage({"開く", path("gone.png") + " は開けませんでした", QMessageBox::Warning});
+    m_window->slot("timeout");
+    QVERIFY(driver.done());
+    const QByteArray file = saved(*m_window);
+    QCOMPARE(valueIn(file, "LoadFileName"), QByteArray());
+    QCOMPARE(valueIn(file, "SaveFileName"), QByteArray("/else/where.jpg"));
+}
+
+WINDOW_TEST_MAIN(tst_Settings)
+#include "tst_settings.moc"
