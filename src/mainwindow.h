@@ -161,6 +161,7 @@ private:
     void takeLineEdits();
     void circleEdited();
     void setPictureScaled(bool scaled);
+    void clearPicture();
     void startStepping(int dx, int dy, int dr);
     void finishStepping(int dx, int dy, int dr);
     MapParameters mapParameters() const;

@@ -62,7 +62,7 @@ void MainWindow::batchConvert()
     const bool shown = isVisible();
     if (interactive) {
         status.show();
-        ui->label->setPixmap(QPixmap());
+        clearPicture();
     }
     // Disabling the window disables its child dialog too; only Stop may be used from here on.
     setEnabled(false);
@@ -97,7 +97,7 @@ void MainWindow::batchConvert()
     }
 
     image = QImage();
-    ui->label->setPixmap(QPixmap());
+    clearPicture();
     setEnabled(true);
     if (!interactive)
         return;

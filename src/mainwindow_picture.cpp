@@ -43,7 +43,7 @@ void MainWindow::on_btnImageRead_clicked()
 void MainWindow::loadImage()
 {
     const bool loaded = image.load(loadFileName);
-    ui->label->setPixmap(QPixmap());
+    clearPicture();
     selectShow = false;
     if (!loaded) {
         QMessageBox box(this);
@@ -71,6 +71,13 @@ void MainWindow::loadImage()
     ui->lineSaveFilename->setText(name);
     saveFileName = QFileInfo(loadFileName).absolutePath() + '/' + name;
     ui->lineSaveFilename->setToolTip(saveFileName);
+}
+
+// Also lets go of the memory behind the picture.
+void MainWindow::clearPicture()
+{
+    ui->label->setPixmap(QPixmap());
+    circleCanvas.clear();
 }
 
 // Entry refuses several images; the drop handles them all the same.
