@@ -22,8 +22,7 @@ int extent(int first, int last)
 
 } // namespace
 
-PictureScale::PictureScale(QSize widget, QSize picture, bool fitted)
-    : m_picture(picture)
+PictureScale::PictureScale(QSize widget, QSize picture, bool fitted) : m_picture(picture)
 {
     if (!fitted)
         return;
