@@ -15,7 +15,7 @@ namespace
 {
 
 constexpr int pollIntervalMs = 5;
-constexpr int inactivePollsLimit = 100;
+constexpr int inactivePollsLimit = 10;
 
 QString describe(const QWidget &window)
 {
@@ -95,10 +95,10 @@ void ModalDriver::poll()
     QWidget *window = QApplication::activeModalWidget();
     if (!window || !window->isVisible() || m_seen.contains(window))
         return;
-    if (!window->isActiveWindow()) {
-        if (++m_inactivePolls < inactivePollsLimit)
-            return;
-        QApplication::setActiveWindow(window); // without a window manager nobody else may do it
+    if (!window->isActiveWindow() && m_inactivePolls < inactivePollsLimit) {
+        if (++m_inactivePolls == inactivePollsLimit)
+            QApplication::setActiveWindow(window); // without a window manager nobody else may do it
+        return;
     }
     m_inactivePolls = 0;
     m_seen.append(window);
