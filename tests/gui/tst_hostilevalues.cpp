@@ -1,0 +1,275 @@
+#include "imagecompare.h"
+#include "messagecollector.h"
+#include "modaldriver.h"
+#include "previewwindow.h"
+#include "referencemap.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <limits>
+
+namespace
+{
+
+constexpr int smallest = std::numeric_limits<int>::min();
+constexpr int largest = std::numeric_limits<int>::max();
+
+const QVector<int> hostileInts{smallest, smallest + 1, -65536, -32769, -1,    0,       1,
+                               32767,    32768,        65535,  65536,  70000, 1 << 30, largest};
+
+const double inf = std::numeric_limits<double>::infinity();
+const QVector<double> hostileDoubles{-inf,
+                                     std::numeric_limits<double>::lowest(),
+                                     -2147483649.0,
+                                     -1.0,
+                                     -0.0,
+                                     4.9406564584124654e-324,
+                                     0.5,
+                                     1.0,
+                                     1.0000000000000002,
+                                     1e10,
+                                     std::numeric_limits<double>::max(),
+                                     inf,
+                                     std::numeric_limits<double>::quiet_NaN()};
+
+QString named(double value)
+{
+    return QString::number(value, 'g', 17);
+}
+
+} // namespace
+
+/// Values that no dialog lets in but a settings file does: nothing may crash, hang or be undefined, and the map
+/// is still that of the formulas.
+class tst_HostileValues : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void circle_data();
+    void circle();
+    void pen_data();
+    void pen();
+    void doubles_data();
+    void doubles();
+    void emptyMaps_data();
+    void emptyMaps();
+    void slimMaps_data();
+    void slimMaps();
+    void photographsOfOnePixel_data();
+    void photographsOfOnePixel();
+
+private:
+    QImage previewed();
+
+    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<TestWindow> m_window;
+};
+
+void tst_HostileValues::init()
+{
+    m_folder = std::make_unique<QTemporaryDir>();
+    m_window = std::make_unique<TestWindow>();
+    m_window->settingFile = m_folder->filePath("tool.ini");
+    m_window->langFile = m_folder->filePath("tool_lang.ini");
+    m_window->readShowString();
+    m_window->outputSizeX = 32;
+    m_window->outputSizeY = 16;
+    m_window->show();
+    m_window->startTimer->stop();
+    QVERIFY(colourfulPhotograph().save(m_folder->filePath("planet.png")));
+    m_window->loadFileName = m_folder->filePath("planet.png");
+    m_window->loadImage();
+    QVERIFY(!m_window->image.isNull());
+}
+
+void tst_HostileValues::cleanup()
+{
+    m_window.reset();
+    while (QApplication::overrideCursor()) // the window leaves cursors behind
+        QApplication::restoreOverrideCursor();
+}
+
+// The map that the preview shows after its button was pressed.
+QImage tst_HostileValues::previewed()
+{
+    QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
+    m_window->previewWindow->grab();
+    return m_window->previewWindow->findChild<QLabel *>("label2")->pixmap(Qt::ReturnByValue).toImage();
+}
+
+void tst_HostileValues::circle_data()
+{
+    QTest::addColumn<int>("x");
+    QTest::addColumn<int>("y");
+    QTest::addColumn<int>("r");
+    for (const int value : hostileInts) {
+        QTest::addRow("centre x %d", value) << value << 36 << 35;
+        QTest::addRow("centre y %d", value) << 48 << value << 35;
+        QTest::addRow("radius %d", value) << 48 << 36 << value;
+        QTest::addRow("all three %d", value) << value << value << value;
+    }
+    QTest::newRow("far left above, huge") << smallest << smallest << largest;
+    QTest::newRow("far right below, negative") << largest << largest << smallest;
+}
+
+// Shown, moved, resized, stepped and converted.
+void tst_HostileValues::circle()
+{
+    QFETCH(int, x);
+    QFETCH(int, y);
+    QFETCH(int, r);
+    m_window->ui->lineCenterX->setText(QString::number(x));
+    m_window->ui->lineCenterY->setText(QString::number(y));
+    m_window->ui->lineRadius->setText(QString::number(r));
+    QTest::keyClick(m_window->ui->lineRadius, Qt::Key_Return);
+    QCOMPARE(m_window->centerX, x);
+    QCOMPARE(m_window->centerY, y);
+    QCOMPARE(m_window->radius, r);
+    COMPARE_IMAGES(previewed(), referenceMap(*m_window));
+
+    auto *picture = m_window->ui->label;
+    for (const QPoint target : {QPoint(5, 5), QPoint(90, 70), QPoint(48, 36)}) {
+        QTest::mouseMove(picture, target);
+        QTest::mousePress(picture, Qt::LeftButton, Qt::NoModifier, target);
+        QMouseEvent move(QEvent::MouseMove, target / 2, Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(picture, &move);
+        QTest::mouseRelease(picture, Qt::LeftButton, Qt::NoModifier, target / 2);
+        QTest::mouseClick(picture, Qt::RightButton, Qt::NoModifier, target);
+    }
+    for (QPushButton *button : {m_window->ui->btnUp, m_window->ui->btnDown, m_window->ui->btnLeft,
+                                m_window->ui->btnRight, m_window->ui->btnSizeUp, m_window->ui->btnSizeDown})
+        QTest::mouseClick(button, Qt::LeftButton);
+    m_window->slot("click_timer");
+    COMPARE_IMAGES(previewed(), referenceMap(*m_window));
+    QVERIFY(!m_window->grab().isNull());
+    QVERIFY(m_window->close());
+}
+
+void tst_HostileValues::pen_data()
+{
+    QTest::addColumn<int>("size");
+    QTest::addColumn<int>("radius");
+    for (const int size : hostileInts) {
+        for (const int radius : {35, 1 << 30, largest, smallest})
+            QTest::addRow("pen %d, radius %d", size, radius) << size << radius;
+    }
+}
+
+void tst_HostileValues::pen()
+{
+    QFETCH(int, size);
+    QFETCH(int, radius);
+    m_window->penSize = size;
+    m_window->radius = radius;
+    QElapsedTimer timer;
+    timer.start();
+    m_window->updateSelect();
+    m_window->penColor = QColor();
+    m_window->updateSelect();
+    QVERIFY2(timer.elapsed() < 5000, qPrintable(QString::number(timer.elapsed())));
+    QCOMPARE(m_window->ui->label->pixmap(Qt::ReturnByValue).size(), QSize(96, 72));
+    QVERIFY(!m_window->grab().isNull());
+}
+
+void tst_HostileValues::doubles_data()
+{
+    QTest::addColumn<double>("distance");
+    QTest::addColumn<double>("latitude");
+    QTest::addColumn<double>("longitude");
+    QTest::addColumn<double>("azimuth");
+    for (const double value : hostileDoubles) {
+        const QByteArray name = named(value).toLatin1();
+        QTest::addRow("distance %s", name.constData()) << value << 0.0 << 0.0 << 0.0;
+        QTest::addRow("latitude %s", name.constData()) << 100.0 << value << 0.0 << 0.0;
+        QTest::addRow("longitude %s", name.constData()) << 100.0 << 0.0 << value << 0.0;
+        QTest::addRow("azimuth %s", name.constData()) << 100.0 << 0.0 << 0.0 << value;
+        QTest::addRow("all four %s", name.constData()) << value << value << value << value;
+    }
+}
+
+void tst_HostileValues::doubles()
+{
+    QFETCH(double, distance);
+    QFETCH(double, latitude);
+    QFETCH(double, longitude);
+    QFETCH(double, azimuth);
+    m_window->distance = distance;
+    m_window->latitude = latitude;
+    m_window->longitude = longitude;
+    m_window->azimuth = azimuth;
+    const QImage map = previewed();
+    QCOMPARE(map.size(), QSize(32, 16));
+    COMPARE_IMAGES(map, referenceMap(*m_window));
+}
+
+void tst_HostileValues::emptyMaps_data()
+{
+    QTest::addColumn<QSize>("size");
+    for (const int value : {smallest, -1, 0}) {
+        QTest::addRow("width %d", value) << QSize(value, 16);
+        QTest::addRow("height %d", value) << QSize(32, value);
+        QTest::addRow("both %d", value) << QSize(value, value);
+    }
+    QTest::newRow("more pixels than can be counted") << QSize(largest, largest);
+    QTest::newRow("a row longer than can be counted") << QSize(largest, 1);
+}
+
+void tst_HostileValues::emptyMaps()
+{
+    QFETCH(QSize, size);
+    m_window->outputSizeX = size.width();
+    m_window->outputSizeY = size.height();
+    m_window->azimuth = 30.0;
+    const MessageCollector collector;
+    QVERIFY(previewed().isNull());
+    QCOMPARE(collector.messages().filter("Convert error"), QStringList()); // at once
+}
+
+void tst_HostileValues::slimMaps_data()
+{
+    QTest::addColumn<QSize>("size");
+    for (const QSize size : {QSize(1, 1), QSize(1, 2), QSize(2, 1), QSize(1, 500), QSize(500, 1),
+                             QSize(32767, 2), QSize(2, 32767), QSize(3, 3)})
+        QTest::addRow("%d x %d", size.width(), size.height()) << size;
+}
+
+void tst_HostileValues::slimMaps()
+{
+    QFETCH(QSize, size);
+    m_window->outputSizeX = size.width();
+    m_window->outputSizeY = size.height();
+    m_window->azimuth = 30.0;
+    const QImage map = previewed();
+    QCOMPARE(map.size(), size);
+    COMPARE_IMAGES(map, referenceMap(*m_window));
+}
+
+void tst_HostileValues::photographsOfOnePixel_data()
+{
+    QTest::addColumn<QSize>("size");
+    for (const QSize size : {QSize(1, 1), QSize(1, 300), QSize(300, 1), QSize(2, 2)})
+        QTest::addRow("%d x %d", size.width(), size.height()) << size;
+}
+
+void tst_HostileValues::photographsOfOnePixel()
+{
+    QFETCH(QSize, size);
+    QVERIFY(colourfulPhotograph(size).save(m_folder->filePath("tiny.png")));
+    m_window->ui->actionAuto_Size->trigger(); // fitted, which divides by the picture's size
+    m_window->centerX = 0;
+    m_window->loadFileName = m_folder->filePath("tiny.png");
+    m_window->loadImage();
+    QVERIFY(!m_window->grab().isNull());
+    QTest::mouseClick(m_window->ui->label, Qt::LeftButton);
+    QTest::mouseClick(m_window->ui->label, Qt::RightButton);
+    COMPARE_IMAGES(previewed(), referenceMap(*m_window));
+}
+
+WINDOW_TEST_MAIN(tst_HostileValues)
+#include "tst_hostilevalues.moc"
