@@ -139,6 +139,9 @@ private slots:
     void handWrittenValues_data();
     void handWrittenValues();
     void fileIsReadEachTime();
+    void dialogsReadTheFileEachTime_data();
+    void dialogsReadTheFileEachTime();
+    void everyWindowReadsItsOwnGroup();
     void fileIsNeverWritten();
     void unreadableFileGivesBuiltInTexts_data();
     void unreadableFileGivesBuiltInTexts();
@@ -344,6 +347,65 @@ void tst_Texts::fileIsReadEachTime()
     m_window->readShowString();
     QCOMPARE(m_window->ui->label_1->text(), QString("second"));
     QCOMPARE(m_window->showString.value("saved_file"), QString(" へ保存されました"));
+}
+
+void tst_Texts::dialogsReadTheFileEachTime_data()
+{
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QByteArray>("group");
+    QTest::addColumn<QString>("builtIn");
+    QTest::newRow("options") << "actionSetting" << QByteArray("[config]\n")
+                             << "Orvane 画像変換ツール（設定）";
+    QTest::newRow("batch") << "actionBatch_Convert" << QByteArray("[batch_convert]\n")
+                           << "Orvane 画像変換ツール（複数画像ファイル変換）";
+}
+
+void tst_Texts::dialogsReadTheFileEachTime()
+{
+    QFETCH(QString, action);
+    QFETCH(QByteArray, group);
+    QFETCH(QString, builtIn);
+    m_window->readShowString();
+    m_window->show();
+    const auto open = [&](const QString &title) {
+        ModalDriver driver;
+        driver.expect<QDialog>([title](QDialog *dialog) {
+            QCOMPARE(dialog->windowTitle(), title);
+            dialog->reject();
+        });
+        m_window->findChild<QAction *>(action)->trigger();
+        QVERIFY(driver.done());
+    };
+    open(builtIn);
+    writeLanguageFile(group + "title=first\n");
+    open("first");
+    writeLanguageFile(group + "title=other\n"); // as long as the first
+    open("other");
+    QVERIFY(QFile::remove(m_window->langFile));
+    open(builtIn);
+}
+
+void tst_Texts::everyWindowReadsItsOwnGroup()
+{
+    writeLanguageFile("[main]\nlbl_1=of the window\nfile_filter=all (*)\n"
+                      "[config]\nlbl_1=of the options\n[batch_convert]\nlbl_1=of the batch\n");
+    m_window->readShowString();
+    m_window->show();
+    const auto labelOf = [](QDialog *dialog) { return dialog->findChild<QLabel *>("label_1")->text(); };
+    ModalDriver driver;
+    driver.expect<QDialog>([&](QDialog *dialog) {
+        QCOMPARE(labelOf(dialog), QString("of the options"));
+        dialog->reject();
+    });
+    m_window->ui->actionSetting->trigger();
+    driver.expect<QDialog>([&](QDialog *dialog) {
+        QCOMPARE(labelOf(dialog), QString("of the batch"));
+        dialog->reject();
+    });
+    m_window->ui->actionBatch_Convert->trigger();
+    QVERIFY(driver.done());
+    QCOMPARE(m_window->ui->label_1->text(), QString("of the window"));
+    QCOMPARE(m_window->showString.value("file_filter"), QString("all (*)"));
 }
 
 void tst_Texts::fileIsNeverWritten()
