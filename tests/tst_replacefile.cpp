@@ -365,8 +365,9 @@ void TestReplaceFile::killedProcessLeavesWholeFile()
         replaceFile(path, first, ReadOnlyFolder::WriteInPlace);
         replaceFile(path, second, ReadOnlyFolder::WriteInPlace);
     };
+    const auto within = durationOf(replaceTwice);
     for (int i = 0; i < 60; ++i) {
-        QVERIFY(killedInTheMiddle(replaceTwice, random));
+        QVERIFY(killedInTheMiddle(replaceTwice, within, random));
         const QByteArray found = contentsOf(path);
         QVERIFY2(found == first || found == second, qPrintable(QString::number(found.size())));
     }

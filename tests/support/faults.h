@@ -69,34 +69,34 @@ inline bool handOver(const QStringList &paths)
     return done;
 }
 
-/// Lets a child repeat an action without end, and kills it at a random moment after the first time was
-/// through, within about the time that one more takes.
-inline bool killedInTheMiddle(const std::function<void()> &action, std::mt19937 &random)
+/// How long an action takes in a child.
+inline std::chrono::nanoseconds durationOf(const std::function<void()> &action)
 {
-    int started[2];
-    if (pipe(started) != 0)
-        return false;
     QElapsedTimer timer;
     timer.start();
+    inChild([&] {
+        action();
+        return true;
+    });
+    return std::chrono::nanoseconds(timer.nsecsElapsed());
+}
+
+/// Lets a child repeat an action without end, and kills it at a random moment within the given time.
+/// @return whether it was still at work then
+inline bool killedInTheMiddle(const std::function<void()> &action, std::chrono::nanoseconds within,
+                              std::mt19937 &random)
+{
     const pid_t child = fork();
     if (child == 0) {
-        action();
-        if (write(started[1], "x", 1) != 1)
-            _exit(1);
         for (;;)
             action();
     }
-    close(started[1]);
-    char byte = 0;
-    const bool running = child > 0 && read(started[0], &byte, 1) == 1;
-    close(started[0]);
-    if (child <= 0)
+    if (child < 0)
         return false;
-    const std::chrono::nanoseconds once(timer.nsecsElapsed());
-    std::this_thread::sleep_for(once * std::uniform_real_distribution<>(0, 1.2)(random));
+    std::this_thread::sleep_for(within * std::uniform_real_distribution<>(0, 1)(random));
     int status = 0;
     kill(child, SIGKILL);
-    return waitpid(child, &status, 0) == child && running && WIFSIGNALED(status);
+    return waitpid(child, &status, 0) == child && WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;
 }
 
 /// A small disk of its own, mounted on an existing folder; only root can have one.
