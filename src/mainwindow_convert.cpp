@@ -93,6 +93,7 @@ void MainWindow::on_btnConvert_clicked()
     saveFileName = path;
 
     QMessageBox box(this);
+    box.setTextFormat(Qt::PlainText);
     if (QFileInfo::exists(path)) {
         box.setText(name + showString.value("overwrite_question"));
         box.setWindowTitle(ui->btnConvert->text());
@@ -156,6 +157,7 @@ void MainWindow::writeParam()
     writeIniFile(path, {{"CenterX", centerX}, {"CenterY", centerY}, {"Radius", radius}});
 
     QMessageBox box(this);
+    box.setTextFormat(Qt::PlainText);
     box.setText(path + showString.value("saved_file"));
     box.setWindowTitle(showString.value("save_inifile_title"));
     box.setStandardButtons(QMessageBox::Ok);

@@ -50,6 +50,7 @@ void MainWindow::loadImage()
         box.setText(loadFileName + showString.value("open_error"));
         box.setWindowTitle(ui->btnImageRead->text());
         box.setStandardButtons(QMessageBox::Ok);
+        box.setTextFormat(Qt::PlainText);
         box.setIcon(QMessageBox::Warning);
         // A path that failed is neither offered again nor stored at exit.
         loadFileName.clear();

@@ -55,6 +55,7 @@ private slots:
     void failedLoadClearsThePicture();
     void failedLoadStoresNoFileName();
     void warningTitleIsTheButtonsText();
+    void fileNameIsShownAsItIs();
     void noReadPermission();
 
     void openDialog();
@@ -323,6 +324,20 @@ void tst_Loading::warningTitleIsTheButtonsText()
     driver.expectMessage(
         {"Open", m_folder->filePath("none.png") + " は開けませんでした", QMessageBox::Warning});
     load(m_folder->filePath("none.png"));
+    QVERIFY(driver.done());
+}
+
+// Even one that looks like markup.
+void tst_Loading::fileNameIsShownAsItIs()
+{
+    const QString path = m_folder->filePath("<b>missing</b>.png");
+    ModalDriver driver;
+    driver.expect<QMessageBox>([&](QMessageBox *box) {
+        QCOMPARE(box->text(), path + " は開けませんでした");
+        QCOMPARE(box->textFormat(), Qt::PlainText);
+        box->accept();
+    });
+    load(path);
     QVERIFY(driver.done());
 }
 
