@@ -151,7 +151,7 @@ void tst_Restart::everyValueComesBack_data()
     QTest::newRow("no short decimal") << -7 << QVector<double>{1.0 / 3, 0.1 + 0.2, -1e-7, 2.0 / 3} << false
                                       << "/𠮷田 🌏.jpg" << QColor(255, 255, 255);
     QTest::newRow("largest") << 2147483647 << QVector<double>{1.7976931348623157e308, inf, 1e22, 1e23} << true
-                             << "a, b; \"c\" \\d = %e" << QColor(0, 0, 0, 0);
+                             << R"(a, b; "c" \d = %e)" << QColor(0, 0, 0, 0);
     QTest::newRow("smallest") << std::numeric_limits<int>::min()
                               << QVector<double>{4.9406564584124654e-324, 2.2250738585072014e-308, -inf,
                                                  1e-310}

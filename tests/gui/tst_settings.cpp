@@ -71,7 +71,7 @@ const QVector<Written> written{
     {"LoadFileName", "/写真/地球 𠮷田🌏.jpg", "/写真/地球 𠮷田🌏.jpg"},
     {"SaveFileName", "\"/maps/a, b; c.png\"", "/maps/a, b; c.png"},
     {"InputFolder", "C:/in", "C:/in"},
-    {"OutputFolder", "\\\\\\\\server\\\\out", "\\\\\\\\server\\\\out"}, // escaped here and in the dump
+    {"OutputFolder", R"(\\\\server\\out)", R"(\\\\server\\out)"}, // escaped here and in the dump
     {"InputFileSortType", "1", "1"},
     {"OutputFileNameType", "2", "2"},
     {"OutputFormat", "1", "1"},
@@ -563,7 +563,7 @@ void tst_Settings::valuesComeBack_data()
     QTest::addColumn<QString>("text");
     QTest::newRow("ordinary") << 1234 << 139.7454321 << true << "/a/b.jpg";
     QTest::newRow("largest") << 2147483647 << 1.7976931348623157e308 << false
-                             << "\"quoted\" \\ back;slash, comma";
+                             << R"("quoted" \ back;slash, comma)";
     QTest::newRow("smallest") << std::numeric_limits<int>::min() << 4.9406564584124654e-324 << true
                               << " outer blanks ";
     QTest::newRow("zero") << 0 << 0.0 << false << "";
