@@ -1,0 +1,116 @@
+#pragma once
+
+#include "../gui/freshwindow.h"
+
+#include <QStringList>
+
+#include <random>
+#include <vector>
+
+/// Small photographs and files that are none. Gestures may overwrite them, so every sequence has its own.
+class GestureFiles
+{
+public:
+    GestureFiles();
+
+    /// Paths of photographs that load, then of files that do not.
+    const QStringList &photographs() const { return m_photographs; }
+    const QStringList &noPhotographs() const { return m_noPhotographs; }
+    QString filePath(const QString &name) const { return m_folder.filePath(name); }
+
+private:
+    QTemporaryDir m_folder;
+    QStringList m_photographs;
+    QStringList m_noPhotographs;
+};
+
+/// Answers every modal window at random, from outside; after a few tries on the same one it is closed.
+class RandomAnswers : public QObject
+{
+    Q_OBJECT
+
+public:
+    RandomAnswers(const GestureFiles &files, unsigned seed);
+
+private:
+    void poll();
+    void answer(QWidget *window);
+    int upTo(int last) { return std::uniform_int_distribution<int>(0, last)(m_random); }
+
+    const GestureFiles &m_files;
+    std::mt19937 m_random;
+    QTimer m_timer;
+    QVector<QWidget *> m_answering; // windows whose answer has not returned; it may have opened the next one
+    QPointer<QWidget> m_last;
+    int m_tries = 0; // for the last window
+    int m_answers = 0;
+};
+
+/// Does something to a window, at random but the same for the same seed.
+class RandomHand : public QObject
+{
+    Q_OBJECT
+
+public:
+    RandomHand(FreshWindow &window, const GestureFiles &files, unsigned seed);
+
+    /// @return what was done
+    QString act();
+
+    /// Whether a batch run may have taken the photograph away.
+    bool hasRunABatch() const { return m_hasRunABatch; }
+
+private:
+    struct Gesture {
+        const char *name;
+        int weight;
+        void (RandomHand::*act)();
+    };
+
+    bool oneIn(int n) { return upTo(n - 1) == 0; }
+    int upTo(int last) { return between(0, last); }
+    int between(int first, int last) { return std::uniform_int_distribution<int>(first, last)(m_random); }
+    template <typename List>
+    const typename List::value_type &oneOf(const List &list)
+    {
+        return list[static_cast<typename List::size_type>(upTo(static_cast<int>(list.size()) - 1))];
+    }
+    int anyNumber();
+    QPoint anyPosition();
+    Qt::MouseButtons anyButtons();
+    QPushButton *stepButton();
+    void sendMouse(QEvent::Type type, QWidget *widget, QPoint position, Qt::MouseButton button,
+                   Qt::MouseButtons held);
+
+    void mousePress();
+    void mouseMove();
+    void mouseRelease();
+    void wholeDrag();
+    void previewMouse();
+    void pictureSignal();
+    void type();
+    void pressButton();
+    void releaseButton();
+    void clickButton();
+    void tick();
+    void openPhotograph();
+    void openNoPhotograph();
+    void drop();
+    void toggleView();
+    void reset();
+    void modalAction();
+    void batch();
+    void windows();
+    void values();
+    void convert();
+    void eventsLater();
+    void handleEvents();
+
+    FreshWindow &m_window;
+    const GestureFiles &m_files;
+    std::mt19937 m_random;
+    std::vector<Gesture> m_gestures;
+    int m_later = 0; // gestures that wait for the event loop
+    int m_nested = 0;
+    bool m_hasRunABatch = false;
+};
