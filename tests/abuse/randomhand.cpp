@@ -357,7 +357,7 @@ void RandomHand::drop()
     QDragEnterEvent enter({50, 50}, Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
     m_window.dragEnterEvent(&enter);
     if (urls.size() > 1)
-        m_hasRunABatch = true;
+        m_leftTheFileAlone = false;
     QDropEvent event({50, 50}, Qt::CopyAction, &dropped, Qt::LeftButton, Qt::NoModifier);
     m_window.dropEvent(&event);
 }
@@ -376,6 +376,7 @@ void RandomHand::reset()
 
 void RandomHand::modalAction()
 {
+    m_leftTheFileAlone = false;
     const auto &ui = *m_window.ui;
     switch (upTo(5)) {
     case 0:
@@ -403,7 +404,7 @@ void RandomHand::modalAction()
 
 void RandomHand::batch()
 {
-    m_hasRunABatch = true;
+    m_leftTheFileAlone = false;
     m_window.fileList = QStringList{oneOf(m_files.photographs()), oneOf(m_files.noPhotographs()),
                                     oneOf(m_files.photographs())};
     m_window.sortType = upTo(2);

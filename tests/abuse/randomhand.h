@@ -57,8 +57,9 @@ public:
     /// @return what was done
     QString act();
 
-    /// Whether a batch run may have taken the photograph away.
-    bool hasRunABatch() const { return m_hasRunABatch; }
+    /// Whether the photograph must still be the one in its file: no batch run, and no dialog in which a random
+    /// answer may have saved something over it.
+    bool leftTheFileAlone() const { return m_leftTheFileAlone; }
 
 private:
     struct Gesture {
@@ -112,5 +113,5 @@ private:
     std::vector<Gesture> m_gestures;
     int m_later = 0; // gestures that wait for the event loop
     int m_nested = 0;
-    bool m_hasRunABatch = false;
+    bool m_leftTheFileAlone = true;
 };

@@ -36,7 +36,7 @@ private slots:
 
 private:
     QString broken(const FreshWindow &window) const;
-    QString brokenAtTheEnd(FreshWindow &window, bool hasRunABatch) const;
+    QString brokenAtTheEnd(FreshWindow &window, bool knowsItsFile) const;
 
     bool m_removalArmed = false;
 };
@@ -79,7 +79,7 @@ void tst_Gestures::sequence()
         m_removalArmed = window.clearPending;
         QVERIFY2(what.isEmpty(), qPrintable(story(event, what)));
     }
-    const QString what = brokenAtTheEnd(window, hand.hasRunABatch());
+    const QString what = brokenAtTheEnd(window, hand.leftTheFileAlone());
     QVERIFY2(what.isEmpty(), qPrintable(story(eventsPerSequence, what)));
 
     while (QGuiApplication::overrideCursor())
@@ -118,7 +118,7 @@ QString tst_Gestures::broken(const FreshWindow &w) const
 }
 
 // What holds once the window has come to rest.
-QString tst_Gestures::brokenAtTheEnd(FreshWindow &w, bool hasRunABatch) const
+QString tst_Gestures::brokenAtTheEnd(FreshWindow &w, bool knowsItsFile) const
 {
     for (int i = 0; i < 5; ++i)
         QCoreApplication::processEvents();
@@ -130,7 +130,7 @@ QString tst_Gestures::brokenAtTheEnd(FreshWindow &w, bool hasRunABatch) const
         return "the line edits do not show the circle";
     if (w.image.isNull())
         return {};
-    if (!hasRunABatch && w.image != QImage(w.loadFileName))
+    if (knowsItsFile && w.image != QImage(w.loadFileName))
         return "the photograph is not the one that was loaded";
     const std::optional<SelectionCircle> circle =
         w.selectShow ? std::make_optional(circleOf(w)) : std::nullopt;
