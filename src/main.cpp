@@ -24,6 +24,7 @@ void endBatchWithoutInputs()
 int main(int argc, char *argv[])
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true); // the icons' larger versions
     QApplication application(argc, argv);
     MainWindow window;
 
