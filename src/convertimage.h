@@ -49,7 +49,6 @@ private:
     double margin = 0.01; // safety margin at the visible edge, as a fraction of the rows of 90 degrees
     double ratioX = 2.0;
     double ratioY = 2.0;
-    double pi = 3.141592653589793;
     double distance = 100.0;
     int radius = 0;
     int centerX = 0;

@@ -1,0 +1,133 @@
+#include "composedmap.h"
+
+#include "turnedpainter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+/// The rows of the work map that hold anything, from the top of the map downwards.
+struct PaintedRows {
+    PaintedRows(const GlobeKernel &globe, int height) : radii(size_t(height))
+    {
+        const int half = height / 2;
+        const int64_t firstRow = std::max<int64_t>(globe.firstRow(), half - height);
+        last = half - 1 - firstRow;
+        first = last + 1;
+        for (int64_t k = firstRow; globe.hasRow(k) && k < half; ++k) {
+            const double radius = globe.radius(k);
+            largestRadius = std::isnan(radius) ? HUGE_VAL : std::max(largestRadius, std::abs(radius));
+            --first;
+            radii[size_t(first)] = radius;
+        }
+    }
+
+    int64_t first;
+    int64_t last;
+    double largestRadius = 0;  ///< infinite if any is no number
+    std::vector<double> radii; ///< of all rows of the map, 0 where none is painted
+};
+
+/// Directions of the columns of the work map after its shift to the right.
+std::vector<Direction> shiftedDirections(const GlobeKernel &globe, int width, int shift)
+{
+    std::vector<Direction> directions = globe.directions(width);
+    std::rotate(directions.begin(), directions.end() - shift, directions.end());
+    return directions;
+}
+
+/// Answers with photograph pixels, straight from the directions and radii of the globe stage.
+template <bool Clipped>
+class GlobeIndexes
+{
+public:
+    GlobeIndexes(const GlobeKernel &globe, const Photograph &photograph, const PaintedRows &rows,
+                 const std::vector<Direction> &directions, const RotationKernel &rotation,
+                 const MirroredColumns &mirror)
+        : m_sample(globe.view(), photograph)
+        , m_rows(rows)
+        , m_directions(directions)
+        , m_rotation(rotation)
+        , m_mirror(mirror)
+        , m_zLimit(-std::cos(double(rows.last + 1) / (rotation.height() - 1) * enginePi))
+    {
+    }
+
+    int firstRow() const { return static_cast<int>(m_rows.first); }
+
+    int32_t index(int column, int row) const
+    {
+        return m_sample(m_directions[size_t(column)], m_rows.radii[size_t(row)]);
+    }
+
+    int32_t exactIndex(MapPosition position) const
+    {
+        const bool painted = position.column >= 0 && position.column < m_rotation.width() &&
+                             position.row >= m_rows.first && position.row <= m_rows.last;
+        return painted ? index(position.column, position.row) : IndexRun::none;
+    }
+
+    /// The columns that can reach the visible cap: Z' is monotonic between the longitudes -90 and 90.
+    PlaceRange places(int y) const
+    {
+        constexpr double slack = 1e-12; // far more than doubles are off, far less than a row
+        const double zBySine = -m_rotation.sineOfAngle() * m_rotation.row(y).cosine;
+        const double z = m_rotation.cosineOfAngle() * m_rotation.row(y).sine;
+        const auto inCap = [&](int place) {
+            return zBySine * m_rotation.column(m_mirror.column(place)).sine + z < m_zLimit + slack;
+        };
+        int low = 0;
+        int high = m_mirror.count();
+        const bool capOnRight = zBySine < 0;
+        while (low < high) {
+            const int middle = (low + high) / 2;
+            if (inCap(middle) == capOnRight)
+                high = middle;
+            else
+                low = middle + 1;
+        }
+        return capOnRight ? PlaceRange(low, m_mirror.count()) : PlaceRange(0, low);
+    }
+
+private:
+    PlainSampler<Clipped> m_sample;
+    const PaintedRows &m_rows;
+    const std::vector<Direction> &m_directions;
+    const RotationKernel &m_rotation;
+    const MirroredColumns &m_mirror;
+    double m_zLimit;
+};
+
+} // namespace
+
+bool paintComposedMap(const GlobeKernel &globe, const Photograph &photograph, const MapTurns &turns,
+                      int width, int height, uint32_t *canvas, std::ptrdiff_t stride,
+                      const std::function<void(int)> &rowsDone, ProposeSources *propose)
+{
+    if (!MirroredColumns::cover(3, width, height))
+        return false;
+    const PaintedRows rows(globe, height);
+    if (rows.first > rows.last)
+        return true;
+    const std::vector<Direction> directions = shiftedDirections(globe, width, turns.azimuthShift);
+    const Samples samples = samplesWithin(globe.view(), photograph, directions, rows.largestRadius);
+    if (samples == Samples::Wrapping)
+        return false;
+
+    const RotationKernel rotation(3, turns.angleDeg, width, height);
+    const MirroredColumns mirror(rotation);
+    const auto paint = [&](const auto &kernel) {
+        withPixelFinish(photograph, [&](auto finish) {
+            TurnedPainter painter(rotation, mirror, turns.longitudeShift, kernel, photograph.pixels, finish,
+                                  canvas, stride, propose);
+            painter.paint(rowsDone);
+        });
+    };
+    if (samples == Samples::Inside)
+        paint(GlobeIndexes<false>(globe, photograph, rows, directions, rotation, mirror));
+    else
+        paint(GlobeIndexes<true>(globe, photograph, rows, directions, rotation, mirror));
+    return true;
+}

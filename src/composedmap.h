@@ -1,0 +1,25 @@
+#pragma once
+
+#include "globekernel.h"
+#include "rotationproposals.h"
+
+#include <cstddef>
+#include <functional>
+
+/// How the work map becomes the finished map: moved right by `azimuthShift` columns, turned, moved right by
+/// `longitudeShift` columns. Shifts are cyclic, 0 .. W - 1.
+struct MapTurns {
+    int azimuthShift = 0;
+    int angleDeg = 0; ///< about axis 3
+    int longitudeShift = 0;
+};
+
+/// The chain in one pass: for each pixel of the finished map the pixel of the photograph, with no map in
+/// between.
+/// @param canvas    W x H pixels, transparent black
+/// @param stride    pixels from one canvas row to the next
+/// @param rowsDone  told how many rows are finished, whenever some are
+/// @return false, and nothing is painted, for what the kernels do not cover; the plain operations do it then
+bool paintComposedMap(const GlobeKernel &globe, const Photograph &photograph, const MapTurns &turns,
+                      int width, int height, uint32_t *canvas, std::ptrdiff_t stride,
+                      const std::function<void(int)> &rowsDone, ProposeSources *propose = proposeSources);

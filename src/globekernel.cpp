@@ -1,0 +1,156 @@
+#include "globekernel.h"
+
+#include "truncation.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace
+{
+
+/// The lens compression near the disc edge: radii beyond the breakpoints are drawn inwards.
+struct RadialCorrection {
+    explicit RadialCorrection(double tangentToPixels)
+        : begin(0.1 * tangentToPixels)
+        , end(0.114 * tangentToPixels)
+        , offset((end - begin) * 0.09999999999999998) // 1 - 0.9 as a double computes it
+    {
+    }
+
+    double operator()(double rho) const
+    {
+        if (rho < begin)
+            return rho;
+        if (rho < end)
+            return (rho - begin) * 0.9 + begin;
+        return rho - offset;
+    }
+
+    double begin;
+    double end;
+    double offset;
+};
+
+} // namespace
+
+GlobeKernel::GlobeKernel(const GlobeView &view) : m_view(view)
+{
+    const double alpha = std::asin(1 / view.distance); // apparent angular radius of the globe
+    const double alphaDeg = alpha * 180 / enginePi;
+    const double edgeRows = alphaDeg / (90.0 / view.photographHeight) * view.ratioY;
+    m_tangentToPixels = view.radius / std::tan(alpha);
+    const int marginRows = low16(truncated(view.margin * (view.ratioY * view.photographHeight)));
+    const double firstRow = marginRows + edgeRows;
+    // From the surface, from inside and from behind nothing is seen, whatever the arc sine makes of it. A
+    // first row that is no number, or beyond every number of a row, lies beyond the last one.
+    const bool anyRow = view.distance > 1 && std::abs(firstRow) <= std::numeric_limits<int>::max();
+    m_firstRow = anyRow ? truncated(firstRow) : std::numeric_limits<int>::max();
+}
+
+bool GlobeKernel::hasRow(int64_t k) const
+{
+    return k < std::numeric_limits<int>::max() &&
+           m_view.ratioY * m_view.photographHeight - 1 >= static_cast<double>(k);
+}
+
+double GlobeKernel::radius(int64_t k) const
+{
+    const double rows = m_view.ratioY * m_view.photographHeight;
+    const double phi = (90 - static_cast<double>(k) * 90 / rows) * radiansPerDegree;
+    const double tangent = std::tan(std::atan(std::sin(phi) / (m_view.distance - std::cos(phi))));
+    return RadialCorrection(m_tangentToPixels)(tangent * m_tangentToPixels);
+}
+
+Direction GlobeKernel::direction(int x, int mapWidth) const
+{
+    const double columns = m_view.ratioX * m_view.photographWidth;
+    const int c = mapWidth - 1 - x;
+    const double lambda = (c * 360.0 / columns + (-180)) * radiansPerDegree;
+    return {std::cos(lambda), std::sin(lambda)};
+}
+
+std::vector<Direction> GlobeKernel::directions(int mapWidth) const
+{
+    std::vector<Direction> result;
+    for (int x = 0; mapWidth <= largestTable && x < mapWidth; ++x)
+        result.push_back(direction(x, mapWidth));
+    return result;
+}
+
+Samples samplesWithin(const GlobeView &view, const Photograph &photograph,
+                      const std::vector<Direction> &directions, double largestRadius)
+{
+    constexpr int64_t largestCentre = 1 << 30;
+    const int64_t centerX = view.centerX;
+    const int64_t centerY = view.centerY;
+    // The left edge has the largest longitude: if its direction is a number, all are.
+    if (!(largestRadius <= std::numeric_limits<int16_t>::max()) || directions.empty() ||
+        !std::isfinite(directions.front().cosine) || std::abs(centerX) > largestCentre ||
+        std::abs(centerY) > largestCentre ||
+        photograph.stride * photograph.height > std::numeric_limits<int32_t>::max())
+        return Samples::Wrapping;
+    const int reach = static_cast<int>(largestRadius);
+    const bool inside = centerX - reach >= 0 && centerX + reach < photograph.width && centerY - reach >= 0 &&
+                        centerY + reach < photograph.height;
+    return inside ? Samples::Inside : Samples::Clipped;
+}
+
+Sample sampleAnywhere(const GlobeView &view, Direction direction, double radius)
+{
+    return {int64_t(low16(truncated(direction.cosine * radius))) + view.centerX,
+            int64_t(low16(truncated(direction.sine * radius))) + view.centerY};
+}
+
+namespace
+{
+
+template <typename Sampler, typename Finish>
+void paintPlainRow(const Sampler &sample, const Photograph &photograph, Finish finish,
+                   const std::vector<Direction> &directions, double radius, uint32_t *line)
+{
+    RunReader<Finish> reader(photograph.pixels, finish);
+    for (size_t begin = 0; begin < directions.size(); begin += IndexRun::capacity) {
+        IndexRun &run = reader.empty();
+        run.count = static_cast<int>(std::min<size_t>(IndexRun::capacity, directions.size() - begin));
+        run.out = line + begin;
+        for (int i = 0; i < run.count; ++i)
+            run.indexes[i] = sample(directions[begin + size_t(i)], radius);
+        reader.filled();
+    }
+    reader.flush();
+}
+
+} // namespace
+
+void paintGlobeRow(const GlobeView &view, const Photograph &photograph,
+                   const std::vector<Direction> &directions, double radius, uint32_t *line)
+{
+    const Samples samples = samplesWithin(view, photograph, directions, std::abs(radius));
+    withPixelFinish(photograph, [&](auto finish) {
+        if (samples == Samples::Inside)
+            return paintPlainRow(PlainSampler<false>(view, photograph), photograph, finish, directions,
+                                 radius, line);
+        if (samples == Samples::Clipped)
+            return paintPlainRow(PlainSampler<true>(view, photograph), photograph, finish, directions, radius,
+                                 line);
+        for (const Direction &direction : directions) {
+            const Sample sample = sampleAnywhere(view, direction, radius);
+            if (sample.x >= 0 && sample.x < photograph.width && sample.y >= 0 && sample.y < photograph.height)
+                *line = finish(photograph.pixels[sample.y * photograph.stride + sample.x]);
+            ++line;
+        }
+    });
+}
+
+int64_t countGlobeRow(const GlobeKernel &kernel, double radius, int mapWidth)
+{
+    const GlobeView &view = kernel.view();
+    int64_t count = 0;
+    for (int x = 0; x < mapWidth; ++x) {
+        const Sample sample = sampleAnywhere(view, kernel.direction(x, mapWidth), radius);
+        count += sample.x >= 0 && sample.x <= view.photographWidth && sample.y >= 0 &&
+                 sample.y < view.photographHeight;
+    }
+    return count;
+}

@@ -1,0 +1,66 @@
+#include "rotatedmap.h"
+
+#include "turnedpainter.h"
+
+#include <limits>
+
+namespace
+{
+
+/// Answers with the pixels of the map that is turned.
+class MapIndexes
+{
+public:
+    MapIndexes(const RotationKernel &rotation, const MirroredColumns &mirror, std::ptrdiff_t stride)
+        : m_width(rotation.width())
+        , m_height(rotation.height())
+        , m_places(0, mirror.count())
+        , m_stride(static_cast<int32_t>(stride))
+    {
+    }
+
+    int firstRow() const { return 0; }
+    int32_t index(int column, int row) const { return row * m_stride + column; }
+    int32_t exactIndex(MapPosition position) const
+    {
+        const bool inside =
+            position.column >= 0 && position.column < m_width && position.row >= 0 && position.row < m_height;
+        return inside ? index(position.column, position.row) : IndexRun::none;
+    }
+    PlaceRange places(int) const { return m_places; }
+
+private:
+    int m_width;
+    int m_height;
+    PlaceRange m_places;
+    int32_t m_stride;
+};
+
+void paintExactly(const RotationKernel &rotation, const MapPixels &map, uint32_t *canvas,
+                  std::ptrdiff_t stride)
+{
+    for (int y = 0; y < rotation.height(); ++y)
+        for (int x = 0; x < rotation.width(); ++x) {
+            const MapPosition from = rotation.source(x, y);
+            if (from.column >= 0 && from.column < rotation.width() && from.row >= 0 &&
+                from.row < rotation.height())
+                canvas[y * stride + x] = map.pixels[from.row * map.stride + from.column];
+        }
+}
+
+} // namespace
+
+void paintRotatedMap(const RotationKernel &rotation, const MapPixels &map, uint32_t *canvas,
+                     std::ptrdiff_t stride, ProposeSources *propose)
+{
+    const bool covered = MirroredColumns::cover(rotation.axis(), rotation.width(), rotation.height()) &&
+                         map.stride * rotation.height() <= std::numeric_limits<int32_t>::max();
+    if (!covered)
+        return paintExactly(rotation, map, canvas, stride);
+
+    const MirroredColumns mirror(rotation);
+    const MapIndexes kernel(rotation, mirror, map.stride);
+    const auto copied = [](uint32_t pixel) { return pixel; };
+    TurnedPainter painter(rotation, mirror, 0, kernel, map.pixels, copied, canvas, stride, propose);
+    painter.paint([](int) {});
+}

@@ -1,0 +1,89 @@
+#include "rotationproposals.h"
+
+#include "arctangent.h"
+#include "globekernel.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace
+{
+
+constexpr double roundoff = 1.0 / (1 << 24); // of a float, relative
+
+} // namespace
+
+ProposalScale::ProposalScale(int mapWidth, int mapHeight)
+    : width(mapWidth)
+    , height(mapHeight)
+    , halfColumnsPerHalfAngle(static_cast<float>(2 * (mapWidth - 1) / enginePi))
+    , rowsPerHalfAngle(static_cast<float>(2 * (mapHeight - 1) / enginePi))
+    , columnGuard(static_cast<float>(7 * roundoff * (mapWidth - 1)))
+    , rowGuard(static_cast<float>(8.5 * roundoff * (mapHeight - 1)))
+{
+}
+
+void proposeSourcesPlainly(const ProposalScale &scale, const TurnedRow &row, const float *cosines,
+                           const float *sines, int count, Proposals &out)
+{
+    out.doubtfulCount = 0;
+    for (int i = 0; i < count; ++i) {
+        const float x = row.x * cosines[i];
+        const float y = row.yBySine * sines[i] + row.y;
+        const float z = row.zBySine * sines[i] + row.z;
+        const float r = std::sqrt(x * x + y * y);
+        const float halfColumns =
+            arcTangent(std::min(std::abs(y) / (r + x), 1.0F)) * scale.halfColumnsPerHalfAngle;
+        const float rows = arcTangent(std::min(r / (1 + std::abs(z)), 1.0F)) * scale.rowsPerHalfAngle;
+        const float fromWholeColumn = std::abs(halfColumns - std::nearbyint(halfColumns));
+        const float fromWholeRow = std::abs(rows - std::nearbyint(rows));
+        const bool sure = fromWholeColumn * r > scale.columnGuard && fromWholeRow > scale.rowGuard &&
+                          rows >= scale.firstRow;
+        if (!sure)
+            out.doubtful[out.doubtfulCount++] = i;
+        const int wholeHalves = sure ? static_cast<int>(halfColumns) : 0;
+        const int wholeRows = sure ? static_cast<int>(rows) : 0;
+        const int column = wholeHalves >> 1;
+        out.columns[i] = y < 0 ? scale.width - 2 - column : column;
+        out.mirroredColumns[i] = (y < 0 ? scale.width - 1 + wholeHalves : scale.width - 2 - wholeHalves) >> 1;
+        out.rows[i] = z < 0 ? wholeRows : scale.height - 2 - wholeRows;
+    }
+}
+
+#ifndef OVMIC_HIGHWAY
+void proposeSources(const ProposalScale &scale, const TurnedRow &row, const float *cosines,
+                    const float *sines, int count, Proposals &out)
+{
+    proposeSourcesPlainly(scale, row, cosines, sines, count, out);
+}
+#endif
+
+bool MirroredColumns::cover(int axis, int width, int height)
+{
+    return axis == 3 && width >= 2 && width <= largestTable && width % 2 == 0 && height >= 2 &&
+           height <= largestTable;
+}
+
+MirroredColumns::MirroredColumns(const RotationKernel &rotation)
+    : m_width(rotation.width()), m_first(-(rotation.width() / 4)), m_count(2 * (rotation.width() / 4) + 1)
+{
+    const size_t size = size_t(m_count) + Proposals::padding;
+    m_cosines.resize(size);
+    m_sines.resize(size);
+    for (int place = 0; place < m_count; ++place) {
+        // A cosine at 90 degrees may be a hair below zero.
+        const CosineSine lambda = rotation.column(column(place));
+        m_cosines[size_t(place)] = std::max(static_cast<float>(lambda.cosine), 0.0F);
+        m_sines[size_t(place)] = static_cast<float>(lambda.sine);
+    }
+}
+
+TurnedRow turnedRow(const RotationKernel &rotation, int y)
+{
+    const double ca = rotation.cosineOfAngle();
+    const double sa = rotation.sineOfAngle();
+    const double ct = rotation.row(y).cosine;
+    const double st = rotation.row(y).sine;
+    return {static_cast<float>(ct), static_cast<float>(ca * ct), static_cast<float>(sa * st),
+            static_cast<float>(-sa * ct), static_cast<float>(ca * st)};
+}

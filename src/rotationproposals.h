@@ -1,0 +1,86 @@
+#pragma once
+
+#include "rotationkernel.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+/// One row of a turned map, in floats: the direction of a column with cosine c and sine s is
+/// (x * c, yBySine * s + y, zBySine * s + z) in the map that is read.
+struct TurnedRow {
+    float x;
+    float yBySine;
+    float y;
+    float zBySine;
+    float z;
+};
+
+/// What turns angles into columns and rows, and how near to a whole number a proposal may come.
+/// The bounds and their proof: docs/projection.md, "Proposals and their error".
+struct ProposalScale {
+    ProposalScale(int width, int height);
+
+    int32_t width;
+    int32_t height;
+    float halfColumnsPerHalfAngle; ///< half columns per radian of half the longitude
+    float rowsPerHalfAngle;        ///< rows per radian of half the colatitude
+    float columnGuard;             ///< of half columns, times the distance from the axis
+    float rowGuard;                ///< of rows
+    float firstRow = 0;            ///< rows above it are always doubtful, whole
+};
+
+/// Proposed positions for neighbouring columns, and for the columns that mirror them at longitude 90.
+struct Proposals {
+    static constexpr int capacity = 512;
+    static constexpr int padding =
+        64; ///< of the inputs and of every list: a vector may reach this far beyond
+
+    alignas(64) int32_t columns[capacity + padding];
+    alignas(64) int32_t mirroredColumns[capacity + padding];
+    alignas(64) int32_t rows[capacity + padding]; ///< of both
+    int32_t doubtful[capacity]; ///< places where exact arithmetic must decide, for both columns
+    int doubtfulCount = 0;
+};
+
+/// Fills in proposals. Everything not listed as doubtful equals RotationKernel::source(); doubtful places
+/// hold a position inside the map.
+/// @param cosines  of the longitudes -90 .. 90, not negative, readable for `padding` more
+/// @param sines    likewise
+/// @param count    1 .. Proposals::capacity
+using ProposeSources = void(const ProposalScale &scale, const TurnedRow &row, const float *cosines,
+                            const float *sines, int count, Proposals &out);
+/// With the best vector instructions of this machine, if the build has them.
+ProposeSources proposeSources;
+/// One column after the other, in plain C++.
+ProposeSources proposeSourcesPlainly;
+
+/// The columns of a turned map in the order of the kernels: x and its mirror W/2 - x share Y and Z, only X
+/// changes its sign, so that one proposal serves both.
+class MirroredColumns
+{
+public:
+    /// Whether the kernels cover a rotation: about axis 3, even width, 2 .. 32767 pixels a side.
+    static bool cover(int axis, int width, int height);
+
+    explicit MirroredColumns(const RotationKernel &rotation);
+
+    /// Number of places; their longitudes rise from about -90 to 90 degrees.
+    int count() const { return m_count; }
+    /// Map column of a place, and of its mirror; 0 .. W - 1.
+    int column(int place) const { return wrapped(m_first + place); }
+    int mirroredColumn(int place) const { return wrapped(m_width / 2 - m_first - place); }
+    const float *cosines() const { return m_cosines.data(); }
+    const float *sines() const { return m_sines.data(); }
+
+private:
+    int wrapped(int x) const { return x < 0 ? x + m_width : x >= m_width ? x - m_width : x; }
+
+    int m_width;
+    int m_first; ///< column of the first place; negative: counted from the right
+    int m_count;
+    std::vector<float> m_cosines;
+    std::vector<float> m_sines;
+};
+
+TurnedRow turnedRow(const RotationKernel &rotation, int y);

@@ -1,0 +1,98 @@
+// Vector code for rotationproposals.h: this file is compiled once for each instruction set, and the best one
+// that the machine has is chosen when it runs. One vector is one step of proposeSourcesPlainly(), in the same
+// letters.
+#include "rotationproposals.h"
+
+#include "arctangent.h"
+
+#undef HWY_TARGET_INCLUDE
+#define HWY_TARGET_INCLUDE "rotationproposals_simd.cpp"
+#include <hwy/foreach_target.h> // IWYU pragma: keep
+
+#include <hwy/highway.h>
+
+HWY_BEFORE_NAMESPACE();
+namespace HWY_NAMESPACE
+{
+
+namespace hn = hwy::HWY_NAMESPACE;
+
+using Floats = hn::ScalableTag<float>;
+using Ints = hn::RebindToSigned<Floats>;
+using Vector = hn::Vec<Floats>;
+
+HWY_INLINE Vector arcTangents(Vector t)
+{
+    const Floats d;
+    const Vector square = hn::Mul(t, t);
+    Vector sum = hn::Set(d, arcTangentCoefficients[8]);
+    for (int i = 7; i >= 0; --i)
+        sum = hn::MulAdd(sum, square, hn::Set(d, arcTangentCoefficients[i]));
+    return hn::Mul(t, sum);
+}
+
+HWY_INLINE Vector fromWhole(Vector v)
+{
+    return hn::Abs(hn::Sub(v, hn::Round(v)));
+}
+
+void propose(const ProposalScale &scale, const TurnedRow &row, const float *HWY_RESTRICT cosines,
+             const float *HWY_RESTRICT sines, int count, Proposals &out)
+{
+    const Floats d;
+    const Ints di;
+    const int lanes = static_cast<int>(hn::Lanes(d));
+    static_assert(hn::MaxLanes(Floats()) <= Proposals::padding, "a vector must not reach beyond the padding");
+
+    const auto one = hn::Set(d, 1.0F);
+    const auto lastColumn = hn::Set(di, scale.width - 2);
+    const auto width1 = hn::Set(di, scale.width - 1);
+    const auto lastRow = hn::Set(di, scale.height - 2);
+    int doubtfulCount = 0;
+    for (int i = 0; i < count; i += lanes) {
+        const auto sine = hn::LoadU(d, sines + i);
+        const auto x = hn::Mul(hn::Set(d, row.x), hn::LoadU(d, cosines + i));
+        const auto y = hn::MulAdd(hn::Set(d, row.yBySine), sine, hn::Set(d, row.y));
+        const auto z = hn::MulAdd(hn::Set(d, row.zBySine), sine, hn::Set(d, row.z));
+        const auto r = hn::Sqrt(hn::MulAdd(x, x, hn::Mul(y, y)));
+        const auto halfColumns = hn::Mul(arcTangents(hn::Min(hn::Div(hn::Abs(y), hn::Add(r, x)), one)),
+                                         hn::Set(d, scale.halfColumnsPerHalfAngle));
+        const auto rows = hn::Mul(arcTangents(hn::Min(hn::Div(r, hn::Add(one, hn::Abs(z))), one)),
+                                  hn::Set(d, scale.rowsPerHalfAngle));
+        const auto sure =
+            hn::And(hn::And(hn::Gt(hn::Mul(fromWhole(halfColumns), r), hn::Set(d, scale.columnGuard)),
+                            hn::Gt(fromWhole(rows), hn::Set(d, scale.rowGuard))),
+                    hn::Ge(rows, hn::Set(d, scale.firstRow)));
+        if (HWY_UNLIKELY(!hn::AllTrue(d, sure))) {
+            uint8_t bits[8 + hn::MaxLanes(Floats()) / 8];
+            hn::StoreMaskBits(d, sure, bits);
+            for (int lane = 0; lane < lanes && i + lane < count; ++lane)
+                if ((bits[lane / 8] >> (lane % 8) & 1) == 0)
+                    out.doubtful[doubtfulCount++] = i + lane;
+        }
+        const auto wholeHalves = hn::ConvertTo(di, hn::IfThenElseZero(sure, halfColumns));
+        const auto wholeRows = hn::ConvertTo(di, hn::IfThenElseZero(sure, rows));
+        const auto column = hn::ShiftRight<1>(wholeHalves);
+        const auto yNegative = hn::RebindMask(di, hn::Lt(y, hn::Zero(d)));
+        const auto zNegative = hn::RebindMask(di, hn::Lt(z, hn::Zero(d)));
+        hn::StoreU(hn::IfThenElse(yNegative, hn::Sub(lastColumn, column), column), di, out.columns + i);
+        hn::StoreU(hn::ShiftRight<1>(hn::IfThenElse(yNegative, hn::Add(width1, wholeHalves),
+                                                    hn::Sub(lastColumn, wholeHalves))),
+                   di, out.mirroredColumns + i);
+        hn::StoreU(hn::IfThenElse(zNegative, wholeRows, hn::Sub(lastRow, wholeRows)), di, out.rows + i);
+    }
+    out.doubtfulCount = doubtfulCount;
+}
+
+} // namespace HWY_NAMESPACE
+HWY_AFTER_NAMESPACE();
+
+#if HWY_ONCE
+HWY_EXPORT(propose);
+
+void proposeSources(const ProposalScale &scale, const TurnedRow &row, const float *cosines,
+                    const float *sines, int count, Proposals &out)
+{
+    HWY_DYNAMIC_DISPATCH(propose)(scale, row, cosines, sines, count, out);
+}
+#endif

@@ -1,0 +1,135 @@
+#pragma once
+
+#include "indexruns.h"
+#include "rotationproposals.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+/// Places from .first to before .second; empty when they are equal.
+using PlaceRange = std::pair<int, int>;
+
+/// Paints the rows of a turned map. A kernel answers which pixel each position of the map that is turned
+/// shows; that map itself need not exist.
+/// @tparam Kernel
+///     int32_t index(int column, int row) const      of a position that the proposals are sure of
+///     int32_t exactIndex(MapPosition) const         of any position; IndexRun::none outside
+///     PlaceRange places(int y) const                that can show anything at all
+///     int firstRow() const                          first row that index() may be asked for
+template <typename Kernel, typename Finish>
+class TurnedPainter
+{
+public:
+    /// @param columnShift  the finished map is moved this far to the right, cyclically; 0 .. W - 1
+    /// @param pixels       what the indexes of the kernel count
+    /// @param canvas       first pixel of the finished map
+    /// @param stride       pixels from one canvas row to the next
+    TurnedPainter(const RotationKernel &rotation, const MirroredColumns &mirror, int columnShift,
+                  const Kernel &kernel, const uint32_t *pixels, Finish finish, uint32_t *canvas,
+                  std::ptrdiff_t stride, ProposeSources *propose)
+        : m_rotation(rotation)
+        , m_mirror(mirror)
+        , m_columnShift(columnShift)
+        , m_kernel(kernel)
+        , m_scale(rotation.width(), rotation.height())
+        , m_reader(pixels, finish)
+        , m_canvas(canvas)
+        , m_stride(stride)
+        , m_propose(propose)
+        , m_tiles(tiles())
+    {
+        m_scale.firstRow = static_cast<float>(kernel.firstRow());
+    }
+
+    /// Paints rows top to before bottom, in bands, tile by tile: neighbouring rows read neighbouring pixels.
+    /// @param rowsDone  told after each band how many rows of the map are finished
+    template <typename RowsDone>
+    void paint(RowsDone rowsDone)
+    {
+        constexpr int bandRows = 32; // with tiles of 512 columns: what the nearest cache holds
+        for (int top = 0; top < m_rotation.height(); top += bandRows) {
+            const int bottom = std::min(top + bandRows, m_rotation.height());
+            paintBand(top, bottom);
+            rowsDone(bottom);
+        }
+    }
+
+private:
+    void paintBand(int top, int bottom)
+    {
+        for (const PlaceRange &tile : m_tiles)
+            for (int y = top; y < bottom; ++y) {
+                const PlaceRange places = m_kernel.places(y);
+                const int begin = std::max(tile.first, places.first);
+                const int end = std::min(tile.second, places.second);
+                if (begin < end)
+                    paintPlaces(y, begin, end);
+            }
+        m_reader.flush();
+    }
+
+    int canvasColumn(int mapColumn) const
+    {
+        const int x = mapColumn + m_columnShift;
+        return x < m_rotation.width() ? x : x - m_rotation.width();
+    }
+
+    /// Pieces of at most IndexRun::capacity places in which neither the columns nor their mirrors pass the
+    /// edge.
+    std::vector<PlaceRange> tiles() const
+    {
+        std::vector<PlaceRange> result;
+        for (int begin = 0; begin < m_mirror.count();) {
+            const int toRightEdge = m_rotation.width() - canvasColumn(m_mirror.column(begin));
+            const int toLeftEdge = canvasColumn(m_mirror.mirroredColumn(begin)) + 1;
+            const int end = std::min(
+                {begin + IndexRun::capacity, begin + toRightEdge, begin + toLeftEdge, m_mirror.count()});
+            result.emplace_back(begin, end);
+            begin = end;
+        }
+        return result;
+    }
+
+    void paintPlaces(int y, int begin, int end)
+    {
+        m_propose(m_scale, turnedRow(m_rotation, y), m_mirror.cosines() + begin, m_mirror.sines() + begin,
+                  end - begin, m_proposals);
+        uint32_t *line = m_canvas + y * m_stride;
+        paintRun(y, begin, end, m_proposals.columns, line + canvasColumn(m_mirror.column(begin)), 1,
+                 [&](int place) { return m_mirror.column(place); });
+        paintRun(y, begin, end, m_proposals.mirroredColumns,
+                 line + canvasColumn(m_mirror.mirroredColumn(begin)), -1,
+                 [&](int place) { return m_mirror.mirroredColumn(place); });
+    }
+
+    template <typename ColumnOf>
+    void paintRun(int y, int begin, int end, const int32_t *columns, uint32_t *out, std::ptrdiff_t step,
+                  ColumnOf columnOf)
+    {
+        IndexRun &run = m_reader.empty();
+        run.count = end - begin;
+        run.out = out;
+        run.step = step;
+        for (int i = 0; i < run.count; ++i)
+            run.indexes[i] = m_kernel.index(columns[i], m_proposals.rows[i]);
+        for (int i = 0; i < m_proposals.doubtfulCount; ++i) {
+            const int place = m_proposals.doubtful[i];
+            run.indexes[place] = m_kernel.exactIndex(m_rotation.source(columnOf(begin + place), y));
+        }
+        m_reader.filled();
+    }
+
+    const RotationKernel &m_rotation;
+    const MirroredColumns &m_mirror;
+    int m_columnShift;
+    const Kernel &m_kernel;
+    ProposalScale m_scale;
+    Proposals m_proposals;
+    RunReader<Finish> m_reader;
+    uint32_t *m_canvas;
+    std::ptrdiff_t m_stride;
+    ProposeSources *m_propose;
+    std::vector<PlaceRange> m_tiles;
+};

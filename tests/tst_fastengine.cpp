@@ -1,0 +1,649 @@
+#include "arctangent.h"
+#include "argbpixels.h"
+#include "composedmap.h"
+#include "convertimage.h"
+#include "mapconversion.h"
+#include "rotatedmap.h"
+
+#include "imagecompare.h"
+#include "messagelog.h"
+#include "referenceengine.h"
+
+#include <QMap>
+#include <QPair>
+#include <QRandomGenerator>
+#include <QtTest>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+#include <memory>
+
+#ifdef OVMIC_HIGHWAY
+#include <hwy/targets.h>
+#endif
+
+namespace
+{
+
+/// One way in which the engine can run on this machine: plain C++, or one of the vector instruction sets.
+struct Way {
+    QString name;
+    qint64 target; ///< 0: plain C++
+};
+
+QVector<Way> ways()
+{
+    QVector<Way> result = {{QStringLiteral("plain C++"), 0}};
+#ifdef OVMIC_HIGHWAY
+    for (const int64_t target : hwy::SupportedAndGeneratedTargets())
+        result.append({QString::fromLatin1(hwy::TargetName(target)), target});
+#endif
+    return result;
+}
+
+/// While it lives, proposeSources() uses one instruction set only.
+class ForcedWay
+{
+public:
+    explicit ForcedWay(const Way &way) : m_plain(way.target == 0)
+    {
+#ifdef OVMIC_HIGHWAY
+        hwy::SetSupportedTargetsForTest(way.target);
+#endif
+    }
+    ~ForcedWay()
+    {
+#ifdef OVMIC_HIGHWAY
+        hwy::SetSupportedTargetsForTest(0);
+#endif
+    }
+    Q_DISABLE_COPY_MOVE(ForcedWay)
+
+    ProposeSources *propose() const
+    {
+        return m_plain ? proposeSourcesPlainly : proposeSources;
+    }
+
+private:
+    bool m_plain;
+};
+
+/// Seeded chance: the same sets on every machine.
+class Chance
+{
+public:
+    explicit Chance(quint32 seed) : m_generator(seed) {}
+    int number(int first, int last) { return m_generator.bounded(first, last + 1); }
+    double real(double first, double last) { return first + (last - first) * m_generator.generateDouble(); }
+    bool oneIn(int n) { return number(1, n) == 1; }
+    quint32 word() { return m_generator.generate(); }
+
+private:
+    QRandomGenerator m_generator;
+};
+
+enum class Alpha { Opaque, Random, Extreme };
+
+QImage noise(Chance &chance, QSize size, Alpha alpha)
+{
+    QImage image(size, alpha == Alpha::Opaque ? QImage::Format_RGB32 : QImage::Format_ARGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
+        for (int x = 0; x < size.width(); ++x) {
+            const quint32 word = chance.word();
+            line[x] = alpha == Alpha::Opaque   ? word | 0xff000000U
+                      : alpha == Alpha::Random ? word
+                                               : (word & 0xffffff) | (word & 1 ? 0xff000000U : 0U);
+        }
+    }
+    return image;
+}
+
+struct Case {
+    QImage photograph;
+    MapParameters parameters;
+};
+
+QImage expectedMap(const Case &c)
+{
+    const MapParameters &p = c.parameters;
+    return reference::convert(c.photograph, {p.centerX, p.centerY, p.radius, p.distance, p.outputSizeX,
+                                             p.outputSizeY, p.latitude, p.longitude, p.azimuth, true});
+}
+
+/// The map of the whole chain, on every way in turn.
+/// @return what differs from the slow engine, empty if nothing does
+QString difference(const Case &c)
+{
+    const MessageLog silent;
+    const QImage expected = expectedMap(c);
+    for (const Way &way : ways()) {
+        const ForcedWay forced(way);
+        const QString found = imageDifference(convertToMap(c.photograph, c.parameters), expected);
+        if (!found.isEmpty())
+            return way.name + ": " + found;
+    }
+    return {};
+}
+
+bool isBlank(const QImage &map)
+{
+    QImage blank(map.size(), map.format());
+    blank.fill(Qt::transparent);
+    return map == blank;
+}
+
+/// A disc that may lie anywhere, on a map of even width that is tilted: what the fast path is for.
+Case anyCase(Chance &chance, int photographSide, QSize largestMap)
+{
+    const QSize size(chance.number(1, photographSide), chance.number(1, photographSide));
+    Case c;
+    c.photograph = noise(chance, size, Alpha(chance.number(0, 2)));
+    MapParameters &p = c.parameters;
+    const bool inside = chance.oneIn(2);
+    const int reach = std::min(size.width(), size.height()) / 2;
+    p.centerX = inside ? size.width() / 2 : chance.number(-size.width(), 2 * size.width());
+    p.centerY = inside ? size.height() / 2 : chance.number(-size.height(), 2 * size.height());
+    p.radius = inside ? chance.number(0, reach) : chance.number(-10, 2 * photographSide);
+    p.distance = chance.oneIn(2) ? chance.real(1.01, 12) : chance.real(12, 200);
+    p.outputSizeX =
+        chance.oneIn(8) ? chance.number(1, largestMap.width()) : 2 * chance.number(1, largestMap.width() / 2);
+    p.outputSizeY = chance.number(1, largestMap.height());
+    p.latitude = chance.oneIn(4) ? chance.real(-400, 400) : chance.number(-180, 180);
+    p.longitude = chance.oneIn(4) ? chance.real(-720, 720) : chance.number(-180, 180);
+    p.azimuth = chance.oneIn(3) ? 0 : chance.oneIn(2) ? chance.real(-400, 400) : chance.number(-180, 180);
+    return c;
+}
+
+/// What became of the proposals for some rows of a turned map.
+struct Tally {
+    qint64 places = 0;
+    qint64 doubtful = 0;
+    qint64 wrong = 0; ///< neither doubtful nor what exact arithmetic says
+
+    void operator+=(const Tally &other)
+    {
+        places += other.places;
+        doubtful += other.doubtful;
+        wrong += other.wrong;
+    }
+};
+
+/// A turned map, and what exact arithmetic says about one of its rows.
+class ExactRows
+{
+public:
+    ExactRows(int angle, QSize size) : m_rotation(3, angle, size.width(), size.height()), m_mirror(m_rotation)
+    {
+    }
+
+    void moveTo(int y)
+    {
+        m_row = turnedRow(m_rotation, y);
+        m_positions.clear();
+        for (int place = 0; place < m_mirror.count(); ++place)
+            m_positions.append({m_rotation.source(m_mirror.column(place), y),
+                                m_rotation.source(m_mirror.mirroredColumn(place), y)});
+    }
+
+    /// Proposes the row in pieces.
+    /// @param guard  factor on both guards
+    Tally tally(ProposeSources *propose, double guard = 1) const
+    {
+        ProposalScale scale(m_rotation.width(), m_rotation.height());
+        scale.columnGuard *= float(guard);
+        scale.rowGuard *= float(guard);
+        const auto out = std::make_unique<Proposals>();
+        Tally tally;
+        for (int begin = 0; begin < m_mirror.count(); begin += Proposals::capacity) {
+            const int count = std::min(Proposals::capacity, m_mirror.count() - begin);
+            propose(scale, m_row, m_mirror.cosines() + begin, m_mirror.sines() + begin, count, *out);
+            tally.places += count;
+            tally.doubtful += out->doubtfulCount;
+            const int32_t *nextDoubtful = out->doubtful;
+            for (int i = 0; i < count; ++i) {
+                const bool doubtful = nextDoubtful < out->doubtful + out->doubtfulCount && *nextDoubtful == i;
+                nextDoubtful += doubtful;
+                const MapPosition direct = {out->columns[i], out->rows[i]};
+                const MapPosition mirrored = {out->mirroredColumns[i], out->rows[i]};
+                const auto &exact = m_positions[begin + i];
+                const bool right = doubtful ? isInside(direct) && isInside(mirrored)
+                                            : same(direct, exact.first) && same(mirrored, exact.second);
+                tally.wrong += right ? 0 : 1;
+            }
+        }
+        return tally;
+    }
+
+private:
+    bool isInside(MapPosition p) const
+    {
+        return p.column >= 0 && p.column < m_rotation.width() && p.row >= 0 && p.row < m_rotation.height();
+    }
+    static bool same(MapPosition a, MapPosition b) { return a.column == b.column && a.row == b.row; }
+
+    RotationKernel m_rotation;
+    MirroredColumns m_mirror;
+    TurnedRow m_row{};
+    QVector<QPair<MapPosition, MapPosition>> m_positions;
+};
+
+/// Adds up the proposals for every so many rows of a turned map, on each way.
+void tallyRows(int angle, QSize size, int rowStep, QMap<QString, Tally> &tallies)
+{
+    ExactRows rows(angle, size);
+    for (int y = 0; y < size.height(); y += rowStep) {
+        rows.moveTo(y);
+        for (const Way &way : ways()) {
+            const ForcedWay forced(way);
+            tallies[way.name] += rows.tally(forced.propose());
+        }
+    }
+}
+
+int setsToTry(int usually)
+{
+    const int asked = qEnvironmentVariableIntValue("OVMIC_SETS");
+    return asked > 0 ? asked : usually;
+}
+
+} // namespace
+
+class tst_FastEngine : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void premultipliesAsThePictureClassDoes();
+    void arcTangentKeepsItsError();
+    void mirrorsCoverEveryColumnOnce_data();
+    void mirrorsCoverEveryColumnOnce();
+    void proposalsAreExactOrDoubtful_data();
+    void proposalsAreExactOrDoubtful();
+    void proposalsAreExactAtEveryWholeDegree();
+    void fewProposalsAreDoubtful();
+    void guardsHaveAMargin();
+    void agreesForRandomSets();
+    void agreesForEverySmallSize();
+    void agreesForLargeAndOddSizes_data();
+    void agreesForLargeAndOddSizes();
+    void agreesAtEveryWholeDegree();
+    void agreesWhereCoordinatesAreWhole_data();
+    void agreesWhereCoordinatesAreWhole();
+    void agreesForCirclesThatLeaveThePhotograph_data();
+    void agreesForCirclesThatLeaveThePhotograph();
+    void agreesWhereTheTopRowIsLost();
+    void rotatesAsTheSlowEngine_data();
+    void rotatesAsTheSlowEngine();
+    void leavesWhatItDoesNotCover();
+    void tellsEveryRowOnceAndInOrder();
+};
+
+void tst_FastEngine::premultipliesAsThePictureClassDoes()
+{
+    QImage source(256, 256, QImage::Format_ARGB32);
+    for (int alpha = 0; alpha < 256; ++alpha)
+        for (int value = 0; value < 256; ++value)
+            source.setPixel(value, alpha, qRgba(value, 255 - value, value ^ 0x5a, alpha));
+    QImage canvas(source.size(), QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < 256; ++y)
+        for (int x = 0; x < 256; ++x) {
+            canvas.setPixelColor(x, y, source.pixelColor(x, y));
+            QCOMPARE(premultiplied(source.pixel(x, y)),
+                     reinterpret_cast<const QRgb *>(canvas.constScanLine(y))[x]);
+        }
+}
+
+void tst_FastEngine::arcTangentKeepsItsError()
+{
+    // Numbers from 1 down to 2^-32 by a walk over their bits; below, t and its arc tangent are the same
+    // float.
+    const int step = qEnvironmentVariableIsSet("OVMIC_SETS") ? 1 : 101;
+    const auto bitsOf = [](float f) {
+        quint32 bits = 0;
+        std::memcpy(&bits, &f, sizeof bits);
+        return bits;
+    };
+    double worst = 0;
+    for (quint32 bits = bitsOf(1.0F); bits >= bitsOf(0x1p-32F); bits -= quint32(step)) {
+        float t = 0;
+        std::memcpy(&t, &bits, sizeof t);
+        const double exact = std::atan(double(t));
+        worst = std::max(worst, std::abs(double(arcTangent(t)) - exact) / exact);
+    }
+    QVERIFY2(worst * (1 << 24) < 4, qPrintable(QString::number(worst * (1 << 24))));
+    QVERIFY(worst * (1 << 24) > 0.5); // a float cannot do better: the walk has measured something
+}
+
+void tst_FastEngine::mirrorsCoverEveryColumnOnce_data()
+{
+    QTest::addColumn<int>("width");
+    for (const int width : {2, 4, 6, 8, 10, 12, 254, 1000, 2048, 32766})
+        QTest::addRow("%d columns", width) << width;
+}
+
+void tst_FastEngine::mirrorsCoverEveryColumnOnce()
+{
+    QFETCH(int, width);
+    const RotationKernel rotation(3, 55, width, 2);
+    const MirroredColumns mirror(rotation);
+    QVector<int> seen(width);
+    for (int place = 0; place < mirror.count(); ++place) {
+        const int column = mirror.column(place);
+        const int mirrored = mirror.mirroredColumn(place);
+        ++seen[column];
+        // Longitudes 90 and 270 are their own mirrors.
+        if (mirrored != column)
+            ++seen[mirrored];
+        QVERIFY(mirror.cosines()[place] >= 0);
+        QVERIFY(place == 0 || mirror.sines()[place] > mirror.sines()[place - 1]);
+        QVERIFY(std::abs(rotation.column(column).sine - rotation.column(mirrored).sine) < 1e-14);
+        QVERIFY(std::abs(rotation.column(column).cosine + rotation.column(mirrored).cosine) < 1e-14);
+    }
+    QCOMPARE(seen, QVector<int>(width, 1));
+}
+
+void tst_FastEngine::proposalsAreExactOrDoubtful_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<int>("rowStep");
+    for (int width = 2; width <= 40; width += 2)
+        QTest::addRow("%d columns, all heights to 40", width) << QSize(width, 0) << 1;
+    QTest::newRow("64 x 32") << QSize(64, 32) << 1;
+    QTest::newRow("1026 x 511") << QSize(1026, 511) << 17;
+    QTest::newRow("2048 x 1024") << QSize(2048, 1024) << 61;
+    QTest::newRow("8192 x 4096") << QSize(8192, 4096) << 997;
+    QTest::newRow("32766 x 32767") << QSize(32766, 32767) << 16001;
+}
+
+void tst_FastEngine::proposalsAreExactOrDoubtful()
+{
+    QFETCH(QSize, size);
+    QFETCH(int, rowStep);
+    QMap<QString, Tally> tallies;
+    for (const int angle : {0, 1, 55, 90, -30})
+        for (int height = size.height() ? size.height() : 2; height <= qMax(40, size.height()); ++height)
+            tallyRows(angle, {size.width(), height}, rowStep, tallies);
+    for (const QString &way : tallies.keys()) {
+        QVERIFY2(tallies[way].wrong == 0, qPrintable(way));
+        QVERIFY2(tallies[way].doubtful < tallies[way].places, qPrintable(way));
+    }
+}
+
+void tst_FastEngine::proposalsAreExactAtEveryWholeDegree()
+{
+    for (int angle = -360; angle <= 360; ++angle) {
+        QMap<QString, Tally> tallies;
+        tallyRows(angle, {130, 67}, 5, tallies);
+        for (const QString &way : tallies.keys())
+            QVERIFY2(tallies[way].wrong == 0,
+                     qPrintable(QStringLiteral("%1, %2 degrees").arg(way).arg(angle)));
+    }
+}
+
+void tst_FastEngine::fewProposalsAreDoubtful()
+{
+    QMap<QString, Tally> small;
+    tallyRows(55, {2048, 1024}, 61, small);
+    QMap<QString, Tally> large;
+    tallyRows(55, {8192, 4096}, 997, large);
+    for (const Way &way : ways()) {
+        QVERIFY2(small[way.name].doubtful * 100 < small[way.name].places, qPrintable(way.name));
+        QVERIFY2(large[way.name].doubtful * 25 < large[way.name].places, qPrintable(way.name));
+    }
+}
+
+/// Searches for the worst error: without a guard some proposals go wrong, with half of it none must. The
+/// largest map has the most whole numbers to come near to; errors and guards grow with the map alike.
+void tst_FastEngine::guardsHaveAMargin()
+{
+    const QVector<double> guards = {0.0, 0.1, 0.2, 0.3, 0.5};
+    QMap<QString, QVector<qint64>> wrong;
+    for (const int angle : {1, 35, 55, 90, 125}) {
+        ExactRows rows(angle, {32766, 32767});
+        for (int y = 1777; y < 32767; y += qEnvironmentVariableIsSet("OVMIC_SETS") ? 37 : 7919) {
+            rows.moveTo(y);
+            for (const Way &way : ways()) {
+                const ForcedWay forced(way);
+                wrong[way.name].resize(guards.size());
+                for (int i = 0; i < guards.size(); ++i)
+                    wrong[way.name][i] += rows.tally(forced.propose(), guards[i]).wrong;
+            }
+        }
+    }
+    for (const QString &way : wrong.keys()) {
+        QStringList counts;
+        for (int i = 0; i < guards.size(); ++i)
+            counts += QStringLiteral("%1: %2").arg(guards[i]).arg(wrong[way][i]);
+        qInfo().noquote() << way << "- wrong proposals by part of the guard -" << counts.join(", ");
+        QVERIFY(wrong[way].first() > 0);
+        QVERIFY(wrong[way].last() == 0);
+    }
+}
+
+void tst_FastEngine::agreesForRandomSets()
+{
+    int painted = 0;
+    const int sets = setsToTry(2000);
+    for (int set = 0; set < sets; ++set) {
+        Chance chance{quint32(set)};
+        const bool large = set % 50 == 0;
+        const Case c = anyCase(chance, large ? 300 : 60, large ? QSize(300, 200) : QSize(64, 40));
+        const QString found = difference(c);
+        if (!found.isEmpty())
+            QFAIL(qPrintable(QStringLiteral("Set %1: %2").arg(set).arg(found)));
+        if (set < 2000)
+            painted += isBlank(expectedMap(c)) ? 0 : 1;
+    }
+    QVERIFY2(painted > 1000 || sets < 2000, qPrintable(QString::number(painted)));
+}
+
+void tst_FastEngine::agreesForEverySmallSize()
+{
+    Chance chance(7);
+    for (int width = 1; width <= 40; ++width)
+        for (int height = 1; height <= 40; ++height) {
+            Case c = anyCase(chance, 30, {40, 40});
+            c.parameters.outputSizeX = width;
+            c.parameters.outputSizeY = height;
+            const QString found = difference(c);
+            if (!found.isEmpty())
+                QFAIL(qPrintable(QStringLiteral("%1 x %2: %3").arg(width).arg(height).arg(found)));
+        }
+}
+
+void tst_FastEngine::agreesForLargeAndOddSizes_data()
+{
+    QTest::addColumn<QSize>("size");
+    for (const QSize &size : {QSize(1024, 512), QSize(1026, 333), QSize(1023, 511), QSize(8190, 31),
+                              QSize(8192, 2), QSize(2, 4096), QSize(32766, 3), QSize(32768, 2),
+                              QSize(4, 32767), QSize(40000, 1), QSize(1, 40000)})
+        QTest::addRow("%d x %d", size.width(), size.height()) << size;
+}
+
+void tst_FastEngine::agreesForLargeAndOddSizes()
+{
+    QFETCH(QSize, size);
+    for (const Alpha alpha : {Alpha::Opaque, Alpha::Random}) {
+        Chance chance(11);
+        Case c;
+        c.photograph = noise(chance, {200, 200}, alpha);
+        c.parameters = {100, 100, 98, 6.6, size.width(), size.height(), 35, 45, 30};
+        // The shift of the plain operations ends at 32767 columns.
+        if (size.width() > 32767 || size.height() > 32767) {
+            c.parameters.longitude = -90;
+            c.parameters.azimuth = 0;
+        }
+        QCOMPARE(difference(c), QString());
+    }
+}
+
+void tst_FastEngine::agreesAtEveryWholeDegree()
+{
+    Chance chance(13);
+    Case c;
+    c.photograph = noise(chance, {60, 60}, Alpha::Random);
+    c.parameters = {30, 30, 29, 6.6, 36, 18, 0, 0, 0};
+    for (int degree = -360; degree <= 360; ++degree) {
+        c.parameters.latitude = degree;
+        c.parameters.longitude = 2 * degree;
+        c.parameters.azimuth = -degree;
+        const QString found = difference(c);
+        if (!found.isEmpty())
+            QFAIL(qPrintable(QStringLiteral("%1 degrees: %2").arg(degree).arg(found)));
+    }
+}
+
+void tst_FastEngine::agreesWhereCoordinatesAreWhole_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<double>("latitude");
+    // 45 columns more than one, or 90 rows: many whole degrees fall on a pixel.
+    for (const QSize &size : {QSize(46, 46), QSize(180, 91), QSize(4, 3)})
+        for (const double latitude : {89.5, 45.0, 0.0, -45.0, -90.0, -180.0, 60.0})
+            QTest::addRow("%d x %d, latitude %g", size.width(), size.height(), latitude) << size << latitude;
+}
+
+void tst_FastEngine::agreesWhereCoordinatesAreWhole()
+{
+    QFETCH(QSize, size);
+    QFETCH(double, latitude);
+    Chance chance(17);
+    Case c;
+    c.photograph = noise(chance, {101, 101}, Alpha::Opaque);
+    for (const double azimuth : {0.0, 90.0, 45.0})
+        for (const double longitude : {-90.0, 0.0, 270.0}) {
+            c.parameters = {50, 50, 50, 100, size.width(), size.height(), latitude, longitude, azimuth};
+            QCOMPARE(difference(c), QString());
+        }
+}
+
+void tst_FastEngine::agreesForCirclesThatLeaveThePhotograph_data()
+{
+    QTest::addColumn<QPoint>("center");
+    QTest::newRow("left") << QPoint(20, 50);
+    QTest::newRow("right") << QPoint(80, 50);
+    QTest::newRow("up") << QPoint(50, 20);
+    QTest::newRow("down") << QPoint(50, 80);
+    QTest::newRow("corner") << QPoint(0, 0);
+    QTest::newRow("centre outside") << QPoint(-10, 110);
+    QTest::newRow("touching the last column and row") << QPoint(60, 60);
+    QTest::newRow("one beyond the last column and row") << QPoint(61, 61);
+    QTest::newRow("touching the first column and row") << QPoint(39, 39);
+    QTest::newRow("one before the first column and row") << QPoint(38, 38);
+    QTest::newRow("far away") << QPoint(100000, -100000);
+    QTest::newRow("at the end of the numbers")
+        << QPoint(std::numeric_limits<int>::max(), std::numeric_limits<int>::min());
+}
+
+void tst_FastEngine::agreesForCirclesThatLeaveThePhotograph()
+{
+    QFETCH(QPoint, center);
+    for (const Alpha alpha : {Alpha::Opaque, Alpha::Random, Alpha::Extreme})
+        for (const int radius : {39, 40, 41, -39, 500, 40000}) {
+            Chance chance(19);
+            Case c;
+            c.photograph = noise(chance, {100, 100}, alpha);
+            c.parameters = {center.x(), center.y(), radius, 100, 96, 48, 35, 139, 30};
+            QCOMPARE(difference(c), QString());
+        }
+}
+
+void tst_FastEngine::agreesWhereTheTopRowIsLost()
+{
+    for (const int photographHeight : {161, 103, 107, 187}) {
+        Chance chance(23);
+        Case c;
+        c.photograph = noise(chance, {21, photographHeight}, Alpha::Random);
+        c.parameters = {10, photographHeight / 2, 10, 6.6, 32, 1024, 35, 139, 0};
+        QCOMPARE(difference(c), QString());
+    }
+}
+
+void tst_FastEngine::rotatesAsTheSlowEngine_data()
+{
+    QTest::addColumn<int>("axis");
+    QTest::addColumn<QSize>("size");
+    for (const int axis : {1, 2, 3})
+        for (const QSize &size :
+             {QSize(64, 32), QSize(62, 33), QSize(63, 32), QSize(2, 2), QSize(1, 1), QSize(1030, 40)})
+            QTest::addRow("axis %d, %d x %d", axis, size.width(), size.height()) << axis << size;
+}
+
+void tst_FastEngine::rotatesAsTheSlowEngine()
+{
+    QFETCH(int, axis);
+    QFETCH(QSize, size);
+    Chance chance(29);
+    QImage map = noise(chance, size, Alpha::Random).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    for (const Way &way : ways()) {
+        const ForcedWay forced(way);
+        for (const int angle : {0, 35, 90, -90, 180, 359}) {
+            // A canvas that is larger and not empty shows what is left alone.
+            QImage expected(size + QSize(3, 2), QImage::Format_ARGB32_Premultiplied);
+            expected.fill(0xff123456);
+            QImage actual = expected;
+            reference::rotate(axis, angle, map, expected);
+            ConvertImage().rotateImage(axis, angle, map, actual);
+            COMPARE_IMAGES(actual, expected);
+
+            QImage plainly = expected;
+            plainly.fill(0xff123456);
+            paintRotatedMap(RotationKernel(axis, angle, size.width(), size.height()),
+                            {reinterpret_cast<const quint32 *>(map.constBits()), map.bytesPerLine() / 4},
+                            reinterpret_cast<quint32 *>(plainly.bits()), plainly.bytesPerLine() / 4,
+                            forced.propose());
+            COMPARE_IMAGES(plainly, expected);
+        }
+    }
+}
+
+void tst_FastEngine::leavesWhatItDoesNotCover()
+{
+    GlobeView view;
+    view.radius = 10;
+    view.photographWidth = 20;
+    view.photographHeight = 20;
+    Chance chance(31);
+    const QImage photograph = noise(chance, {20, 20}, Alpha::Opaque);
+    const Photograph pixels = {reinterpret_cast<const quint32 *>(photograph.constBits()), 20, 20, 20,
+                               0xff000000U};
+    const auto covers = [&](QSize size, int radius) {
+        view.radius = radius;
+        view.ratioX = size.width() / 20.0;
+        view.ratioY = size.height() / 40.0;
+        QVector<quint32> canvas(size.width() * size.height());
+        const bool covered = paintComposedMap(GlobeKernel(view), pixels, {0, 55, 0}, size.width(),
+                                              size.height(), canvas.data(), size.width(), [](int) {});
+        return covered || std::count(canvas.begin(), canvas.end(), 0U) != canvas.size();
+    };
+    QVERIFY(covers({64, 32}, 10));
+    QVERIFY(covers({64, 32}, 32767));
+    QVERIFY(!covers({64, 32}, 40000));
+    QVERIFY(!covers({63, 32}, 10));
+    QVERIFY(!covers({64, 1}, 10));
+    QVERIFY(!covers({32768, 2}, 10));
+}
+
+void tst_FastEngine::tellsEveryRowOnceAndInOrder()
+{
+    GlobeView view;
+    view.radius = 10;
+    view.centerX = view.centerY = 10;
+    view.photographWidth = view.photographHeight = 20;
+    view.ratioX = 64 / 20.0;
+    view.ratioY = 100 / 40.0;
+    QVector<quint32> photograph(400, 0xffffffffU);
+    QVector<quint32> canvas(64 * 100);
+    QVector<int> told;
+    QVERIFY(paintComposedMap(GlobeKernel(view), {photograph.data(), 20, 20, 20, 0xff000000U}, {0, 55, 0}, 64,
+                             100, canvas.data(), 64, [&](int rows) { told.append(rows); }));
+    QVERIFY(!told.isEmpty());
+    QVERIFY(std::is_sorted(told.begin(), told.end()));
+    QCOMPARE(told.last(), 100);
+}
+
+QTEST_GUILESS_MAIN(tst_FastEngine)
+#include "tst_fastengine.moc"
