@@ -24,6 +24,8 @@ struct PaintedRows {
         }
     }
 
+    int64_t count() const { return last + 1 - first; }
+
     int64_t first;
     int64_t last;
     double largestRadius = 0;  ///< infinite if any is no number
@@ -103,13 +105,13 @@ private:
 } // namespace
 
 bool paintComposedMap(const GlobeKernel &globe, const Photograph &photograph, const MapTurns &turns,
-                      int width, int height, uint32_t *canvas, std::ptrdiff_t stride,
-                      const std::function<void(int)> &rowsDone, ProposeSources *propose)
+                      int width, int height, const Canvas &canvas, const std::function<void(int)> &progress,
+                      ProposeSources *propose)
 {
     if (!MirroredColumns::cover(3, width, height))
         return false;
     const PaintedRows rows(globe, height);
-    if (rows.first > rows.last)
+    if (rows.count() == 0)
         return true;
     const std::vector<Direction> directions = shiftedDirections(globe, width, turns.azimuthShift);
     const Samples samples = samplesWithin(globe.view(), photograph, directions, rows.largestRadius);
@@ -121,8 +123,10 @@ bool paintComposedMap(const GlobeKernel &globe, const Photograph &photograph, co
     const auto paint = [&](const auto &kernel) {
         withPixelFinish(photograph, [&](auto finish) {
             TurnedPainter painter(rotation, mirror, turns.longitudeShift, kernel, photograph.pixels, finish,
-                                  canvas, stride, propose);
-            painter.paint(rowsDone);
+                                  canvas, propose);
+            painter.paint([&](int rowsDone) {
+                progress(static_cast<int>((rows.count() * rowsDone + height - 1) / height));
+            });
         });
     };
     if (samples == Samples::Inside)

@@ -3,7 +3,6 @@
 #include "globekernel.h"
 #include "rotationproposals.h"
 
-#include <cstddef>
 #include <functional>
 
 /// How the work map becomes the finished map: moved right by `azimuthShift` columns, turned, moved right by
@@ -17,9 +16,10 @@ struct MapTurns {
 /// The chain in one pass: for each pixel of the finished map the pixel of the photograph, with no map in
 /// between.
 /// @param canvas    W x H pixels, transparent black
-/// @param stride    pixels from one canvas row to the next
-/// @param rowsDone  told how many rows are finished, whenever some are
+/// @param progress  told between rows, as rows of the globe stage: how many of those that it paints (and the
+/// plain
+///                  operations would have painted by now) are worked off. Ends with all of them.
 /// @return false, and nothing is painted, for what the kernels do not cover; the plain operations do it then
 bool paintComposedMap(const GlobeKernel &globe, const Photograph &photograph, const MapTurns &turns,
-                      int width, int height, uint32_t *canvas, std::ptrdiff_t stride,
-                      const std::function<void(int)> &rowsDone, ProposeSources *propose = proposeSources);
+                      int width, int height, const Canvas &canvas, const std::function<void(int)> &progress,
+                      ProposeSources *propose = proposeSources);

@@ -26,8 +26,8 @@ void copyPixel(const QImage &src, qint64 sx, qint64 sy, QImage &dst, int x, int 
 void paintRow(const GlobeKernel &kernel, const QImage &src, const std::vector<Direction> &directions,
               double rho, QImage &dst, int y)
 {
-    if (src.format() == QImage::Format_ARGB32 && dst.format() == QImage::Format_ARGB32_Premultiplied &&
-        !directions.empty()) {
+    const bool straight = src.format() == QImage::Format_ARGB32 || src.format() == QImage::Format_RGB32;
+    if (straight && dst.format() == QImage::Format_ARGB32_Premultiplied && !directions.empty()) {
         auto *line = reinterpret_cast<uint32_t *>(dst.scanLine(y));
         paintGlobeRow(kernel.view(), argbPixels(src), directions, rho, line);
         return;
@@ -100,8 +100,7 @@ void ConvertImage::rotateImage(int axis, int angle, QImage &src, QImage &dst)
     const bool premultiplied =
         src.format() == QImage::Format_ARGB32_Premultiplied && src.format() == dst.format();
     if (premultiplied && dst.width() >= width && dst.height() >= height && &src != &dst) {
-        auto *canvas = reinterpret_cast<uint32_t *>(dst.bits());
-        paintRotatedMap(kernel, mapPixels(src), canvas, dst.bytesPerLine() / 4);
+        paintRotatedMap(kernel, mapPixels(src), canvasPixels(dst));
         return;
     }
     for (int y = 0; y < height; ++y)

@@ -24,7 +24,7 @@ public:
     /// Paints the visible cap into the upper half of a map: the disc centre becomes the top row, longitude
     /// -180 the rightmost column. Handles pending events after every row and ends with the debug line
     /// "Convert error " and the number of samples that lay above the top of the map.
-    /// @param src  the photograph, Format_ARGB32; samples outside it leave their map pixel as it is
+    /// @param src  the photograph, 32 bits; samples outside it leave their map pixel as it is
     /// @param dst  the canvas, 32 bits with alpha; neither resized nor filled
     void convertImage(QImage &src, QImage &dst);
 

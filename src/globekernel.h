@@ -2,6 +2,7 @@
 
 #include "argbpixels.h"
 #include "indexruns.h"
+#include "pixels.h"
 
 #include <cstdint>
 #include <vector>
@@ -26,15 +27,6 @@ struct GlobeView {
     double margin = 0.01;    ///< safety margin at the visible edge, fraction of the rows of 90 degrees
     int photographWidth = 0;
     int photographHeight = 0;
-};
-
-/// The photograph as the kernels read it.
-struct Photograph {
-    const uint32_t *pixels = nullptr; ///< straight ARGB, row by row
-    int64_t stride = 0;               ///< pixels from one row to the next
-    int width = 0;
-    int height = 0;
-    uint32_t opaque = 0; ///< set in every pixel read: 0xff000000 where the alpha bits mean nothing
 };
 
 /// Cosine and sine of a map column's longitude: the direction in which its samples lie from the disc centre.

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "globekernel.h"
-#include "rotatedmap.h"
+#include "pixels.h"
 
 #include <QImage>
 
@@ -23,4 +22,11 @@ inline Photograph argbPixels(const QImage &image)
 inline MapPixels mapPixels(const QImage &image)
 {
     return {reinterpret_cast<const uint32_t *>(image.constBits()), image.bytesPerLine() / 4};
+}
+
+/// The pixels of a map to paint on, which nobody shares any more.
+/// @param image  Format_ARGB32_Premultiplied
+inline Canvas canvasPixels(QImage &image)
+{
+    return {reinterpret_cast<uint32_t *>(image.bits()), image.bytesPerLine() / 4};
 }

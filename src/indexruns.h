@@ -38,9 +38,7 @@ public:
     /// Prefetches the pixels of the run just filled and reads those of the one before.
     void filled()
     {
-        const IndexRun &run = m_runs[m_filling];
-        for (int i = 0; i < run.count; ++i)
-            prefetch(m_pixels + run.indexes[i]);
+        prefetchAll(m_runs[m_filling]);
         m_filling = 1 - m_filling;
         read(m_runs[m_filling]);
     }
@@ -48,12 +46,23 @@ public:
     void flush() { read(m_runs[1 - m_filling]); }
 
 private:
-    void read(IndexRun &run)
+    void prefetchAll(const IndexRun &run) const
     {
+        for (int i = 0; i < run.count; ++i)
+            prefetch(m_pixels + run.indexes[i]);
+    }
+
+    void read(IndexRun &run) const
+    {
+        // Copies, because for all the compiler knows the pixels written could be these.
+        const uint32_t *pixels = m_pixels;
+        const Finish finish = m_finish;
+        const int count = run.count;
+        const ptrdiff_t step = run.step;
         uint32_t *out = run.out;
-        for (int i = 0; i < run.count; ++i, out += run.step)
+        for (int i = 0; i < count; ++i, out += step)
             if (run.indexes[i] >= 0)
-                *out = m_finish(m_pixels[run.indexes[i]]);
+                *out = finish(pixels[run.indexes[i]]);
         run.count = 0;
     }
 

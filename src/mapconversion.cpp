@@ -12,6 +12,12 @@
 #include <limits>
 #include <optional>
 
+OutputRatio outputRatio(QSize photographSize, QSize outputSize)
+{
+    return {static_cast<double>(outputSize.width()) / photographSize.width(),
+            outputSize.height() * 0.5 / photographSize.height()};
+}
+
 namespace
 {
 
@@ -50,29 +56,8 @@ std::optional<int> cyclicShift(double angleDeg, int width)
     return shift < 0 ? shift + width : shift % width;
 }
 
-/// Handles events as often as the globe stage has rows, spread evenly over the rows of the finished map.
-class EventHandling
-{
-public:
-    EventHandling(const GlobeKernel &globe, int height) : m_height(height)
-    {
-        for (qint64 k = globe.firstRow(); globe.hasRow(k) && k < height; ++k)
-            ++m_globeRows;
-    }
-
-    void rowsDone(int rows)
-    {
-        for (; m_handled * m_height < rows * m_globeRows; ++m_handled)
-            QCoreApplication::processEvents();
-    }
-
-private:
-    qint64 m_height;
-    qint64 m_globeRows = 0;
-    qint64 m_handled = 0;
-};
-
-/// The whole chain in one pass.
+/// The whole chain in one pass. Events are handled between the rows of the map, as often as the globe stage
+/// would.
 /// @return null where the kernels do not cover it
 QImage composedMap(const QImage &photograph, const MapParameters &parameters)
 {
@@ -99,39 +84,24 @@ QImage composedMap(const QImage &photograph, const MapParameters &parameters)
     QImage map = transparentCanvas({width, height});
     if (map.isNull())
         return {};
-    EventHandling events(globe, height);
-    if (!paintComposedMap(globe, argbPixels(photograph), turns, width, height,
-                          reinterpret_cast<uint32_t *>(map.bits()), map.bytesPerLine() / 4,
-                          [&](int rows) { events.rowsDone(rows); }))
+    int handled = 0;
+    const auto handleEvents = [&](int globeRows) {
+        for (; handled < globeRows; ++handled)
+            QCoreApplication::processEvents();
+    };
+    if (!paintComposedMap(globe, argbPixels(photograph), turns, width, height, canvasPixels(map),
+                          handleEvents))
         return {};
     qDebug() << "Convert error " << qint64(0); // no row of the chain lies above its map
     return map;
 }
 
-} // namespace
-
-OutputRatio outputRatio(QSize photographSize, QSize outputSize)
+/// The whole chain, one operation after the other: right for everything.
+QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthCanvas azimuthCanvas)
 {
-    return {static_cast<double>(outputSize.width()) / photographSize.width(),
-            outputSize.height() * 0.5 / photographSize.height()};
-}
-
-QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthCanvas azimuthCanvas)
-{
-    if (photograph.isNull())
-        return {};
     const QSize size(parameters.outputSizeX, parameters.outputSizeY);
-    QImage source = argbPhotograph(photograph);
-    if (source.isNull())
-        return {};
-    if (parameters.azimuth == 0.0 || azimuthCanvas == AzimuthCanvas::Transparent) {
-        const QImage composed = composedMap(source, parameters);
-        if (!composed.isNull())
-            return composed;
-    }
-    source = source.convertToFormat(QImage::Format_ARGB32);
     QImage map = transparentCanvas(size);
-    if (source.isNull() || map.isNull())
+    if (map.isNull())
         return {};
 
     const OutputRatio ratio = outputRatio(source.size(), size);
@@ -168,4 +138,21 @@ QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthC
         map = centred;
     }
     return map;
+}
+
+} // namespace
+
+QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthCanvas azimuthCanvas)
+{
+    if (photograph.isNull())
+        return {};
+    const QImage source = argbPhotograph(photograph);
+    if (source.isNull())
+        return {};
+    if (parameters.azimuth == 0.0 || azimuthCanvas == AzimuthCanvas::Transparent) {
+        const QImage map = composedMap(source, parameters);
+        if (!map.isNull())
+            return map;
+    }
+    return chainedMap(source, parameters, azimuthCanvas);
 }

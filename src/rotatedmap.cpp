@@ -36,31 +36,30 @@ private:
     int32_t m_stride;
 };
 
-void paintExactly(const RotationKernel &rotation, const MapPixels &map, uint32_t *canvas,
-                  std::ptrdiff_t stride)
+void paintExactly(const RotationKernel &rotation, const MapPixels &map, const Canvas &canvas)
 {
     for (int y = 0; y < rotation.height(); ++y)
         for (int x = 0; x < rotation.width(); ++x) {
             const MapPosition from = rotation.source(x, y);
             if (from.column >= 0 && from.column < rotation.width() && from.row >= 0 &&
                 from.row < rotation.height())
-                canvas[y * stride + x] = map.pixels[from.row * map.stride + from.column];
+                canvas.pixels[y * canvas.stride + x] = map.pixels[from.row * map.stride + from.column];
         }
 }
 
 } // namespace
 
-void paintRotatedMap(const RotationKernel &rotation, const MapPixels &map, uint32_t *canvas,
-                     std::ptrdiff_t stride, ProposeSources *propose)
+void paintRotatedMap(const RotationKernel &rotation, const MapPixels &map, const Canvas &canvas,
+                     ProposeSources *propose)
 {
     const bool covered = MirroredColumns::cover(rotation.axis(), rotation.width(), rotation.height()) &&
                          map.stride * rotation.height() <= std::numeric_limits<int32_t>::max();
     if (!covered)
-        return paintExactly(rotation, map, canvas, stride);
+        return paintExactly(rotation, map, canvas);
 
     const MirroredColumns mirror(rotation);
     const MapIndexes kernel(rotation, mirror, map.stride);
     const auto copied = [](uint32_t pixel) { return pixel; };
-    TurnedPainter painter(rotation, mirror, 0, kernel, map.pixels, copied, canvas, stride, propose);
+    TurnedPainter painter(rotation, mirror, 0, kernel, map.pixels, copied, canvas, propose);
     painter.paint([](int) {});
 }

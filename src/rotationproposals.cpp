@@ -11,6 +11,18 @@ namespace
 
 constexpr double roundoff = 1.0 / (1 << 24); // of a float, relative
 
+/// Small maps are guarded like larger ones: they have few doubtful pixels anyhow, and the bounds then leave
+/// room for what the test itself rounds.
+int guardedSide(int pixels)
+{
+    return std::max(pixels - 1, 50);
+}
+
+float fromWhole(float v)
+{
+    return std::abs(v - std::nearbyint(v));
+}
+
 } // namespace
 
 ProposalScale::ProposalScale(int mapWidth, int mapHeight)
@@ -18,8 +30,9 @@ ProposalScale::ProposalScale(int mapWidth, int mapHeight)
     , height(mapHeight)
     , halfColumnsPerHalfAngle(static_cast<float>(2 * (mapWidth - 1) / enginePi))
     , rowsPerHalfAngle(static_cast<float>(2 * (mapHeight - 1) / enginePi))
-    , columnGuard(static_cast<float>(7 * roundoff * (mapWidth - 1)))
-    , rowGuard(static_cast<float>(8.5 * roundoff * (mapHeight - 1)))
+    , columnGuard(static_cast<float>(1.7 * roundoff * guardedSide(mapWidth)))
+    , rowGuard(static_cast<float>(3 * roundoff * guardedSide(mapHeight)))
+    , relativeGuard(static_cast<float>(11 * roundoff))
 {
 }
 
@@ -35,10 +48,9 @@ void proposeSourcesPlainly(const ProposalScale &scale, const TurnedRow &row, con
         const float halfColumns =
             arcTangent(std::min(std::abs(y) / (r + x), 1.0F)) * scale.halfColumnsPerHalfAngle;
         const float rows = arcTangent(std::min(r / (1 + std::abs(z)), 1.0F)) * scale.rowsPerHalfAngle;
-        const float fromWholeColumn = std::abs(halfColumns - std::nearbyint(halfColumns));
-        const float fromWholeRow = std::abs(rows - std::nearbyint(rows));
-        const bool sure = fromWholeColumn * r > scale.columnGuard && fromWholeRow > scale.rowGuard &&
-                          rows >= scale.firstRow;
+        const bool sure =
+            (fromWhole(halfColumns) - scale.relativeGuard * halfColumns) * r > scale.columnGuard &&
+            fromWhole(rows) - scale.relativeGuard * rows > scale.rowGuard && rows >= scale.firstRow;
         if (!sure)
             out.doubtful[out.doubtfulCount++] = i;
         const int wholeHalves = sure ? static_cast<int>(halfColumns) : 0;

@@ -27,6 +27,7 @@ struct ProposalScale {
     float rowsPerHalfAngle;        ///< rows per radian of half the colatitude
     float columnGuard;             ///< of half columns, times the distance from the axis
     float rowGuard;                ///< of rows
+    float relativeGuard;           ///< of both, as a part of the proposal
     float firstRow = 0;            ///< rows above it are always doubtful, whole
 };
 

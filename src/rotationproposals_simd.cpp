@@ -59,10 +59,13 @@ void propose(const ProposalScale &scale, const TurnedRow &row, const float *HWY_
                                          hn::Set(d, scale.halfColumnsPerHalfAngle));
         const auto rows = hn::Mul(arcTangents(hn::Min(hn::Div(r, hn::Add(one, hn::Abs(z))), one)),
                                   hn::Set(d, scale.rowsPerHalfAngle));
-        const auto sure =
-            hn::And(hn::And(hn::Gt(hn::Mul(fromWhole(halfColumns), r), hn::Set(d, scale.columnGuard)),
-                            hn::Gt(fromWhole(rows), hn::Set(d, scale.rowGuard))),
-                    hn::Ge(rows, hn::Set(d, scale.firstRow)));
+        const auto relativeGuard = hn::Set(d, scale.relativeGuard);
+        const auto columnMargin =
+            hn::Mul(hn::NegMulAdd(relativeGuard, halfColumns, fromWhole(halfColumns)), r);
+        const auto rowMargin = hn::NegMulAdd(relativeGuard, rows, fromWhole(rows));
+        const auto sure = hn::And(hn::And(hn::Gt(columnMargin, hn::Set(d, scale.columnGuard)),
+                                          hn::Gt(rowMargin, hn::Set(d, scale.rowGuard))),
+                                  hn::Ge(rows, hn::Set(d, scale.firstRow)));
         if (HWY_UNLIKELY(!hn::AllTrue(d, sure))) {
             uint8_t bits[8 + hn::MaxLanes(Floats()) / 8];
             hn::StoreMaskBits(d, sure, bits);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "indexruns.h"
+#include "pixels.h"
 #include "rotationproposals.h"
 
 #include <algorithm>
@@ -24,11 +25,10 @@ class TurnedPainter
 public:
     /// @param columnShift  the finished map is moved this far to the right, cyclically; 0 .. W - 1
     /// @param pixels       what the indexes of the kernel count
-    /// @param canvas       first pixel of the finished map
-    /// @param stride       pixels from one canvas row to the next
+    /// @param canvas       the finished map
     TurnedPainter(const RotationKernel &rotation, const MirroredColumns &mirror, int columnShift,
-                  const Kernel &kernel, const uint32_t *pixels, Finish finish, uint32_t *canvas,
-                  std::ptrdiff_t stride, ProposeSources *propose)
+                  const Kernel &kernel, const uint32_t *pixels, Finish finish, const Canvas &canvas,
+                  ProposeSources *propose)
         : m_rotation(rotation)
         , m_mirror(mirror)
         , m_columnShift(columnShift)
@@ -36,7 +36,6 @@ public:
         , m_scale(rotation.width(), rotation.height())
         , m_reader(pixels, finish)
         , m_canvas(canvas)
-        , m_stride(stride)
         , m_propose(propose)
         , m_tiles(tiles())
     {
@@ -96,7 +95,7 @@ private:
     {
         m_propose(m_scale, turnedRow(m_rotation, y), m_mirror.cosines() + begin, m_mirror.sines() + begin,
                   end - begin, m_proposals);
-        uint32_t *line = m_canvas + y * m_stride;
+        uint32_t *line = m_canvas.pixels + y * m_canvas.stride;
         paintRun(y, begin, end, m_proposals.columns, line + canvasColumn(m_mirror.column(begin)), 1,
                  [&](int place) { return m_mirror.column(place); });
         paintRun(y, begin, end, m_proposals.mirroredColumns,
@@ -128,8 +127,7 @@ private:
     ProposalScale m_scale;
     Proposals m_proposals;
     RunReader<Finish> m_reader;
-    uint32_t *m_canvas;
-    std::ptrdiff_t m_stride;
+    Canvas m_canvas;
     ProposeSources *m_propose;
     std::vector<PlaceRange> m_tiles;
 };

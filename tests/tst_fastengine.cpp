@@ -2,6 +2,7 @@
 #include "argbpixels.h"
 #include "composedmap.h"
 #include "convertimage.h"
+#include "imagepixels.h"
 #include "mapconversion.h"
 #include "rotatedmap.h"
 
@@ -189,12 +190,13 @@ public:
     }
 
     /// Proposes the row in pieces.
-    /// @param guard  factor on both guards
+    /// @param guard  factor on all guards
     Tally tally(ProposeSources *propose, double guard = 1) const
     {
         ProposalScale scale(m_rotation.width(), m_rotation.height());
         scale.columnGuard *= float(guard);
         scale.rowGuard *= float(guard);
+        scale.relativeGuard *= float(guard);
         const auto out = std::make_unique<Proposals>();
         Tally tally;
         for (int begin = 0; begin < m_mirror.count(); begin += Proposals::capacity) {
@@ -390,8 +392,8 @@ void tst_FastEngine::fewProposalsAreDoubtful()
     QMap<QString, Tally> large;
     tallyRows(55, {8192, 4096}, 997, large);
     for (const Way &way : ways()) {
-        QVERIFY2(small[way.name].doubtful * 100 < small[way.name].places, qPrintable(way.name));
-        QVERIFY2(large[way.name].doubtful * 25 < large[way.name].places, qPrintable(way.name));
+        QVERIFY2(small[way.name].doubtful * 200 < small[way.name].places, qPrintable(way.name));
+        QVERIFY2(large[way.name].doubtful * 50 < large[way.name].places, qPrintable(way.name));
     }
 }
 
@@ -591,10 +593,8 @@ void tst_FastEngine::rotatesAsTheSlowEngine()
 
             QImage plainly = expected;
             plainly.fill(0xff123456);
-            paintRotatedMap(RotationKernel(axis, angle, size.width(), size.height()),
-                            {reinterpret_cast<const quint32 *>(map.constBits()), map.bytesPerLine() / 4},
-                            reinterpret_cast<quint32 *>(plainly.bits()), plainly.bytesPerLine() / 4,
-                            forced.propose());
+            paintRotatedMap(RotationKernel(axis, angle, size.width(), size.height()), mapPixels(map),
+                            canvasPixels(plainly), forced.propose());
             COMPARE_IMAGES(plainly, expected);
         }
     }
@@ -616,7 +616,7 @@ void tst_FastEngine::leavesWhatItDoesNotCover()
         view.ratioY = size.height() / 40.0;
         QVector<quint32> canvas(size.width() * size.height());
         const bool covered = paintComposedMap(GlobeKernel(view), pixels, {0, 55, 0}, size.width(),
-                                              size.height(), canvas.data(), size.width(), [](int) {});
+                                              size.height(), {canvas.data(), size.width()}, [](int) {});
         return covered || std::count(canvas.begin(), canvas.end(), 0U) != canvas.size();
     };
     QVERIFY(covers({64, 32}, 10));
@@ -635,14 +635,20 @@ void tst_FastEngine::tellsEveryRowOnceAndInOrder()
     view.photographWidth = view.photographHeight = 20;
     view.ratioX = 64 / 20.0;
     view.ratioY = 100 / 40.0;
+    const GlobeKernel globe(view);
     QVector<quint32> photograph(400, 0xffffffffU);
     QVector<quint32> canvas(64 * 100);
     QVector<int> told;
-    QVERIFY(paintComposedMap(GlobeKernel(view), {photograph.data(), 20, 20, 20, 0xff000000U}, {0, 55, 0}, 64,
-                             100, canvas.data(), 64, [&](int rows) { told.append(rows); }));
-    QVERIFY(!told.isEmpty());
+    const auto rowsOnceTold = [&](int rows) {
+        told.append(rows);
+        canvas.fill(0xff00ff00U); // what an event does to the canvas must not be read again
+    };
+    QVERIFY(paintComposedMap(globe, {photograph.data(), 20, 20, 20, 0xff000000U}, {0, 55, 0}, 64, 100,
+                             {canvas.data(), 64}, rowsOnceTold));
+    QVERIFY(told.size() > 1);
     QVERIFY(std::is_sorted(told.begin(), told.end()));
-    QCOMPARE(told.last(), 100);
+    QCOMPARE(told.last(), 50 - int(globe.firstRow()));
+    QCOMPARE(canvas.count(0xff00ff00U), canvas.size());
 }
 
 QTEST_GUILESS_MAIN(tst_FastEngine)
