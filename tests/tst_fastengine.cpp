@@ -277,6 +277,7 @@ private slots:
     void agreesForCirclesThatLeaveThePhotograph_data();
     void agreesForCirclesThatLeaveThePhotograph();
     void agreesWhereTheTopRowIsLost();
+    void ignoresTheUnusedBitsOfOpaquePhotographs();
     void rotatesAsTheSlowEngine_data();
     void rotatesAsTheSlowEngine();
     void leavesWhatItDoesNotCover();
@@ -562,6 +563,21 @@ void tst_FastEngine::agreesWhereTheTopRowIsLost()
         c.parameters = {10, photographHeight / 2, 10, 6.6, 32, 1024, 35, 139, 0};
         QCOMPARE(difference(c), QString());
     }
+}
+
+void tst_FastEngine::ignoresTheUnusedBitsOfOpaquePhotographs()
+{
+    Chance chance(37);
+    Case c;
+    c.photograph = noise(chance, {60, 60}, Alpha::Opaque);
+    for (int y = 0; y < 60; ++y)
+        for (int x = 0; x < 60; ++x)
+            reinterpret_cast<QRgb *>(c.photograph.scanLine(y))[x] &= 0x00ffffffU | chance.word();
+    for (const int width : {64, 63})
+        for (const double latitude : {35.0, 90.0}) {
+            c.parameters = {30, 30, 29, 6.6, width, 32, latitude, 139, 30};
+            QCOMPARE(difference(c), QString());
+        }
 }
 
 void tst_FastEngine::rotatesAsTheSlowEngine_data()
