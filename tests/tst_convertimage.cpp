@@ -1,7 +1,9 @@
 #include "convertimage.h"
 
 #include "imagecompare.h"
-#include "messagelog.h"
+#include "messagecollector.h"
+#include "pictures.h"
+#include "tickcounter.h"
 
 #include <QColor>
 #include <QtTest>
@@ -17,24 +19,6 @@ constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr int largest = std::numeric_limits<int>::max();
 constexpr int smallest = std::numeric_limits<int>::min();
 const QColor untouched(1, 2, 3, 255);
-
-QImage canvas(int width, int height, const QColor &color = Qt::transparent)
-{
-    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
-    image.fill(color);
-    return image;
-}
-
-/// A photograph whose colours say where they stand.
-QImage located(int width, int height)
-{
-    QImage image(width, height, QImage::Format_ARGB32);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            image.setPixelColor(x, y, QColor(x / 256, x % 256, y % 256));
-    }
-    return image;
-}
 
 QImage plain(int width, int height, const QColor &color = Qt::red)
 {
@@ -74,17 +58,6 @@ void fillRows(QImage &map, int rows, const QColor &color)
             map.setPixelColor(x, y, color);
     }
 }
-
-/// Ticks at every turn of event handling.
-class TickCounter : public QObject
-{
-public:
-    TickCounter() { startTimer(0); }
-    int ticks = 0;
-
-protected:
-    void timerEvent(QTimerEvent *) override { ++ticks; }
-};
 
 } // namespace
 
@@ -139,14 +112,14 @@ void tst_ConvertImage::paintsFromTheVisibleEdgeToTheTop()
     QFETCH(double, distance);
     QFETCH(int, width);
     QFETCH(int, rows);
-    MessageLog log;
-    QImage map = canvas(width, 1024);
+    MessageCollector log;
+    QImage map = canvas({width, 1024});
     paint(plain(9, 9), map, {4, 4, 4, distance});
 
-    QImage expected = canvas(width, 1024);
+    QImage expected = canvas({width, 1024});
     fillRows(expected, rows, Qt::red);
     COMPARE_IMAGES(map, expected);
-    QCOMPARE(log.lines, QStringList("Convert error 0"));
+    QCOMPARE(log.messages(), QStringList("Convert error 0"));
 }
 
 void tst_ConvertImage::losesTheTopRowWhereTheProductFallsShort_data()
@@ -163,7 +136,7 @@ void tst_ConvertImage::losesTheTopRowWhereTheProductFallsShort()
 {
     QFETCH(int, photographHeight);
     QFETCH(bool, painted);
-    QImage map = canvas(4, 1024);
+    QImage map = canvas({4, 1024});
     paint(plain(3, photographHeight), map, {1, photographHeight / 2, 0});
     QCOMPARE(map.pixelColor(0, 0).alpha(), painted ? 255 : 0);
     QCOMPARE(map.pixelColor(0, 1), QColor(Qt::red));
@@ -183,28 +156,28 @@ void tst_ConvertImage::paintsNothingFromTheSurfaceAndBelow()
     QFETCH(double, distance);
     // With 169 rows the edge of the cap falls a hair short of the pole, so that a row of its own remains.
     for (const int height : {2, 98, 1024}) {
-        MessageLog log;
-        QImage map = canvas(8, height, untouched);
+        MessageCollector log;
+        QImage map = canvas({8, height}, untouched);
         paint(plain(49, 169), map, {24, 84, 20, distance});
-        COMPARE_IMAGES(map, canvas(8, height, untouched));
-        QCOMPARE(log.lines, QStringList("Convert error 0"));
+        COMPARE_IMAGES(map, canvas({8, height}, untouched));
+        QCOMPARE(log.messages(), QStringList("Convert error 0"));
     }
 }
 
 void tst_ConvertImage::paintsTheCentreFromInfinity()
 {
-    QImage map = canvas(8, 32);
+    QImage map = canvas({8, 32});
     paint(located(9, 9), map, {3, 5, 4, infinity});
-    QImage expected = canvas(8, 32);
+    QImage expected = canvas({8, 32});
     fillRows(expected, 16, QColor(0, 3, 5));
     COMPARE_IMAGES(map, expected);
 }
 
 void tst_ConvertImage::paintsOneColourForRadiusZero()
 {
-    QImage map = canvas(16, 64);
+    QImage map = canvas({16, 64});
     paint(located(9, 9), map, {6, 2, 0});
-    QImage expected = canvas(16, 64);
+    QImage expected = canvas({16, 64});
     fillRows(expected, 32, QColor(0, 6, 2));
     COMPARE_IMAGES(map, expected);
 }
@@ -224,7 +197,7 @@ void tst_ConvertImage::looksInTheRightDirection()
 {
     QFETCH(int, column);
     QFETCH(QPoint, offset);
-    QImage map = canvas(360, 180);
+    QImage map = canvas({360, 180});
     paint(located(221, 221), map, {110, 105, 100});
     const auto colourAt = [](QPoint p) { return QColor(0, p.x(), p.y()); };
     QCOMPARE(map.pixelColor(column, 89), colourAt(QPoint(110, 105) + offset));
@@ -258,7 +231,7 @@ void tst_ConvertImage::drawsTheOuterDiscInwardsNearTheGlobe()
     QFETCH(double, distance);
     QFETCH(int, row);
     QFETCH(int, offset);
-    QImage map = canvas(2, 1024);
+    QImage map = canvas({2, 1024});
     paint(located(2001, 1), map, {0, 0, 2000, distance});
     QCOMPARE(map.pixelColor(0, row), QColor(offset / 256, offset % 256, 0));
 }
@@ -268,10 +241,10 @@ void tst_ConvertImage::leavesPixelsBesideThePhotograph()
     // To the right of the centre of a disc of radius 8, in a photograph of 5 columns: what would stand in
     // column 5, just beside the photograph, or farther out stays as it was.
     const double focalLength = 8 * std::sqrt(100.0 * 100.0 - 1);
-    MessageLog log;
-    QImage map = canvas(2, 180, untouched);
+    MessageCollector log;
+    QImage map = canvas({2, 180}, untouched);
     paint(located(5, 1), map, {0, 0, 8});
-    QImage expected = canvas(2, 180, untouched);
+    QImage expected = canvas({2, 180}, untouched);
     for (int k = 0; k < 90; ++k) {
         const double phi = (90 - k) * 3.14159265358979 / 180;
         const int column = static_cast<int>(focalLength * std::sin(phi) / (100 - std::cos(phi)));
@@ -282,7 +255,7 @@ void tst_ConvertImage::leavesPixelsBesideThePhotograph()
             expected.setPixelColor(1, 89 - k, QColor(0, 0, 0));
     }
     COMPARE_IMAGES(map, expected);
-    QCOMPARE(log.lines, QStringList("Convert error 0"));
+    QCOMPARE(log.messages(), QStringList("Convert error 0"));
 }
 
 void tst_ConvertImage::countsSamplesAboveTheTop_data()
@@ -306,10 +279,10 @@ void tst_ConvertImage::countsSamplesAboveTheTop()
     QFETCH(QPoint, center);
     QFETCH(double, ratioY);
     QFETCH(int, errors);
-    MessageLog log;
-    QImage map = canvas(5, 20);
+    MessageCollector log;
+    QImage map = canvas({5, 20});
     paint(plain(1, 1), map, {center.x(), center.y(), 0}, 5.0, ratioY);
-    QCOMPARE(log.lines, QStringList(QStringLiteral("Convert error %1").arg(errors)));
+    QCOMPARE(log.messages(), QStringList(QStringLiteral("Convert error %1").arg(errors)));
 }
 
 void tst_ConvertImage::wrapsOffsetsTo16Bits_data()
@@ -341,7 +314,7 @@ void tst_ConvertImage::wrapsOffsetsTo16Bits()
     QFETCH(int, center);
     // Longitude -180 left, -90 up, 0 right, 90 down, from the right edge of the map on.
     const int column = vertical ? (negative ? 2 : 0) : (negative ? 3 : 1);
-    QImage map = canvas(4, 2);
+    QImage map = canvas({4, 2});
     const QImage photograph = vertical ? located(3, 3) : located(3, 1);
     paint(photograph, map, {vertical ? 1 : center, vertical ? center : 0, radius});
     QCOMPARE(map.pixelColor(column, 0), QColor(0, 1, vertical ? 1 : 0));
@@ -363,16 +336,16 @@ void tst_ConvertImage::leavesWhatItDoesNotReach()
 {
     QFETCH(int, height);
     QFETCH(int, painted);
-    QImage map = canvas(3, height, untouched);
+    QImage map = canvas({3, height}, untouched);
     paint(plain(5, 1), map, {2, 0, 0});
-    QImage expected = canvas(3, height, untouched);
+    QImage expected = canvas({3, height}, untouched);
     fillRows(expected, painted, Qt::red);
     COMPARE_IMAGES(map, expected);
 }
 
 void tst_ConvertImage::writesTransparentSamplesToo()
 {
-    QImage map = canvas(4, 8, untouched);
+    QImage map = canvas({4, 8}, untouched);
     paint(plain(3, 3, Qt::transparent), map, {1, 1, 1});
     QCOMPARE(map.pixelColor(0, 0), QColor(0, 0, 0, 0));
     QCOMPARE(map.pixelColor(3, 3), QColor(0, 0, 0, 0));
@@ -388,10 +361,10 @@ void tst_ConvertImage::keepsTheColoursOfTransparentPhotographs()
             photograph.setPixel(x, y, qRgba(x, 255 - x, x ^ 0x55, y));
     }
     for (int y = 0; y < 256; ++y) {
-        QImage map = canvas(1, 2);
-        QImage expected = canvas(1, 2);
+        QImage map = canvas({1, 2});
+        QImage expected = canvas({1, 2});
         for (int x = 0; x < 256; ++x) {
-            MessageLog log;
+            MessageCollector log;
             paint(photograph, map, {x, y, 0}, 1.0, 1.0 / 256);
             expected.setPixelColor(0, 0, photograph.pixelColor(x, y));
             QCOMPARE(map.pixel(0, 0), expected.pixel(0, 0));
@@ -413,10 +386,10 @@ void tst_ConvertImage::handlesEventsAfterEveryRow()
 {
     QFETCH(QSize, mapSize);
     QFETCH(int, rows);
-    QImage map = canvas(mapSize.width(), mapSize.height());
+    QImage map = canvas(mapSize);
     QCoreApplication::processEvents();
     const TickCounter counter;
-    MessageLog log;
+    MessageCollector log;
     paint(plain(1, 1), map, {0, 0, 0}, 3.0, 10.0);
     QCOMPARE(counter.ticks, rows);
 }
@@ -437,13 +410,13 @@ void tst_ConvertImage::bearsAnyValue()
 {
     QFETCH(QPoint, center);
     QFETCH(int, radius);
-    MessageLog log;
-    QImage map = canvas(64, 32, untouched);
+    MessageCollector log;
+    QImage map = canvas({64, 32}, untouched);
     paint(plain(40, 40), map, {center.x(), center.y(), radius, 6.6});
     // Only a centre within 16 bits of the photograph can show any of it.
     if (!center.isNull())
-        COMPARE_IMAGES(map, canvas(64, 32, untouched));
-    QCOMPARE(log.lines, QStringList("Convert error 0"));
+        COMPARE_IMAGES(map, canvas({64, 32}, untouched));
+    QCOMPARE(log.messages(), QStringList("Convert error 0"));
 }
 
 void tst_ConvertImage::bearsAnyRatio_data()
@@ -467,34 +440,34 @@ void tst_ConvertImage::bearsAnyRatio()
     QFETCH(double, ratioX);
     QFETCH(double, ratioY);
     QFETCH(bool, painted);
-    MessageLog log;
-    QImage map = canvas(4, 20, untouched);
+    MessageCollector log;
+    QImage map = canvas({4, 20}, untouched);
     paint(plain(5, 1), map, {2, 0, 2}, ratioX, ratioY);
-    QCOMPARE(map != canvas(4, 20, untouched), painted);
-    QCOMPARE(log.lines, QStringList("Convert error 0"));
+    QCOMPARE(map != canvas({4, 20}, untouched), painted);
+    QCOMPARE(log.messages(), QStringList("Convert error 0"));
 }
 
 void tst_ConvertImage::bearsNullImages()
 {
-    MessageLog log;
-    QImage map = canvas(4, 20, untouched);
+    MessageCollector log;
+    QImage map = canvas({4, 20}, untouched);
     paint(QImage(), map, {2, 0, 2}, 1.0, 10.0);
-    COMPARE_IMAGES(map, canvas(4, 20, untouched));
+    COMPARE_IMAGES(map, canvas({4, 20}, untouched));
     QImage nothing;
     paint(plain(5, 5), nothing, {2, 2, 2}, 1.0, 2.0);
     QVERIFY(nothing.isNull());
-    QCOMPARE(log.lines, QStringList({"Convert error 0", "Convert error 0"}));
+    QCOMPARE(log.messages(), QStringList({"Convert error 0", "Convert error 0"}));
 }
 
 void tst_ConvertImage::startsWithItsDefaults()
 {
     QImage photograph = located(40, 10);
-    QImage byDefault = canvas(80, 40);
+    QImage byDefault = canvas({80, 40});
     ConvertImage().convertImage(photograph, byDefault);
-    QImage spelledOut = canvas(80, 40);
+    QImage spelledOut = canvas({80, 40});
     paint(photograph, spelledOut, {0, 0, 0, 100.0}, 2.0, 2.0);
     COMPARE_IMAGES(byDefault, spelledOut);
-    QVERIFY(byDefault != canvas(80, 40));
+    QVERIFY(byDefault != canvas({80, 40}));
 }
 
 QTEST_GUILESS_MAIN(tst_ConvertImage)

@@ -2,7 +2,7 @@
 #include "mapconversion.h"
 
 #include "imagecompare.h"
-#include "messagelog.h"
+#include "messagecollector.h"
 #include "referenceengine.h"
 
 #include <QRandomGenerator>
@@ -222,7 +222,7 @@ QString compareGlobe(const Case &c, QImage &map)
     const qint64 errors =
         reference::paintGlobe(source, expected, {p.centerX, p.centerY, p.radius, p.distance, ratioX, ratioY});
 
-    MessageLog log;
+    MessageCollector log;
     ConvertImage engine;
     engine.setCenter(p.centerX, p.centerY);
     engine.setRadius(p.radius);
@@ -231,9 +231,9 @@ QString compareGlobe(const Case &c, QImage &map)
     map = transparentMap(p);
     engine.convertImage(source, map);
     const QStringList expectedLines(QStringLiteral("Convert error %1").arg(errors));
-    if (log.lines != expectedLines)
+    if (log.messages() != expectedLines)
         return QStringLiteral("\"%1\", expected \"%2\"")
-            .arg(log.lines.join(u'\n'), expectedLines.join(u'\n'));
+            .arg(log.messages().join(u'\n'), expectedLines.join(u'\n'));
     return imageDifference(map, expected);
 }
 
@@ -261,7 +261,7 @@ QString compareChain(const Case &c, AzimuthCanvas azimuthCanvas, bool &blank)
     const QImage expected = reference::convert(
         c.photograph, {p.centerX, p.centerY, p.radius, p.distance, p.outputSizeX, p.outputSizeY, p.latitude,
                        p.longitude, p.azimuth, azimuthCanvas == AzimuthCanvas::Transparent});
-    const MessageLog log;
+    const MessageCollector log;
     blank = isBlank(expected);
     return imageDifference(convertToMap(c.photograph, p, azimuthCanvas), expected);
 }

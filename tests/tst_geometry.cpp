@@ -1,6 +1,6 @@
 #include "mapconversion.h"
 
-#include "messagelog.h"
+#include "messagecollector.h"
 
 #include <QColor>
 #include <QSet>
@@ -196,7 +196,7 @@ void tst_Geometry::bordersLieWhereTheyBelong()
     shot.turned = turned;
     QImage map;
     {
-        const MessageLog silent;
+        const MessageCollector silent;
         map = convertToMap(photographOf(shot), parametersFor(shot));
     }
     QCOMPARE(map.size(), mapSize);
@@ -225,7 +225,7 @@ void tst_Geometry::hiddenSideStaysTransparent()
     Shot shot;
     shot.below = {20.0, 0.0};
     shot.radius = 300;
-    const MessageLog silent;
+    const MessageCollector silent;
     const QImage map = convertToMap(photographOf(shot), parametersFor(shot));
     for (int y = 0; y < map.height(); y += 7) {
         for (int x = 0; x < map.width(); x += 7) {

@@ -1,6 +1,7 @@
 #include "inifile.h"
 
 #include "faults.h"
+#include "files.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -19,23 +20,6 @@ using Values = QVector<QPair<QString, QVariant>>;
 
 namespace
 {
-
-QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be opened)");
-}
-
-bool put(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
-}
-
-QStringList entries(const QString &folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-}
 
 QVariant read(const QString &path, const char *key)
 {
@@ -198,7 +182,7 @@ void TestIniFile::textSurvives()
     const QByteArray first = contentsOf(ini());
     QVERIFY(writeIniFile(ini(), {{"Text", text}}));
     QCOMPARE(contentsOf(ini()), first);
-    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
 void TestIniFile::everyCharacterSurvives()
@@ -293,8 +277,8 @@ void TestIniFile::fileIsWhatTheToolkitWrites()
 
 void TestIniFile::otherKeysAndGroupsStay()
 {
-    QVERIFY(
-        put(ini(), "[General]\nCenterX=1\nMine=\"a, b\"\nList=a, b\n\n[other]\nText=写真 𠮷\nDeep\\Key=7\n"));
+    writeFile(ini(),
+              "[General]\nCenterX=1\nMine=\"a, b\"\nList=a, b\n\n[other]\nText=写真 𠮷\nDeep\\Key=7\n");
     QVERIFY(writeIniFile(ini(), {{"CenterX", 2}, {"CenterY", 3}}));
     const auto file = openIniFile(ini());
     QCOMPARE(file->value("CenterX").toInt(), 2);
@@ -308,7 +292,7 @@ void TestIniFile::otherKeysAndGroupsStay()
 
 void TestIniFile::emptyFileAndNoValues()
 {
-    QVERIFY(put(ini(), ""));
+    writeFile(ini(), "");
     QVERIFY(writeIniFile(ini(), {{"A", 1}}));
     const QByteArray before = contentsOf(ini());
     QCOMPARE(before, QByteArray("[General]\nA=1\n"));
@@ -325,7 +309,7 @@ void TestIniFile::missingFolderIsMade()
 
 void TestIniFile::linkToTheFileStaysALink()
 {
-    QVERIFY(put(in("real.ini"), "[General]\nA=1\n"));
+    writeFile(in("real.ini"), "[General]\nA=1\n");
     QVERIFY(QFile::link(in("real.ini"), ini()));
     QVERIFY(writeIniFile(ini(), {{"B", 2}}));
     QVERIFY(QFileInfo(ini()).isSymLink());
@@ -341,13 +325,13 @@ void TestIniFile::absentKeyGivesDefault()
     QCOMPARE(state.real, 100.0);
     QCOMPARE(state.text, QStringLiteral("default"));
     QCOMPARE(state.bytes, QByteArray("default"));
-    QCOMPARE(entries(m_folder->path()), QStringList());
+    QCOMPARE(namesIn(m_folder->path()), QStringList());
 }
 
 void TestIniFile::presentButEmptyKeyIsNotAbsent()
 {
     State state;
-    QVERIFY(put(ini(), "Bytes=\nFlag=\nNumber=\nReal=\nText=\n"));
+    writeFile(ini(), "Bytes=\nFlag=\nNumber=\nReal=\nText=\n");
     loadSettings(ini(), state.settings());
     QCOMPARE(state.flag, false);
     QCOMPARE(state.number, 0);
@@ -406,8 +390,8 @@ void TestIniFile::hostileValueConverts()
 {
     QFETCH(QByteArray, value);
     QFETCH(double, real);
-    QVERIFY(put(ini(), "[General]\nBytes=x\nFlag=" + value + "\nNumber=" + value + "\nReal=" + value +
-                           "\nText=" + value + "\n"));
+    writeFile(ini(), "[General]\nBytes=x\nFlag=" + value + "\nNumber=" + value + "\nReal=" + value +
+                         "\nText=" + value + "\n");
     State state;
     loadSettings(ini(), state.settings());
     QTEST(state.flag, "flag");
@@ -430,7 +414,7 @@ void TestIniFile::hostileValueConverts()
 
 void TestIniFile::textWithCommaIsAList()
 {
-    QVERIFY(put(ini(), "Text=a, b\n"));
+    writeFile(ini(), "Text=a, b\n");
     QCOMPARE(read(ini(), "Text").toStringList(), (QStringList{"a", "b"}));
     QCOMPARE(read(ini(), "Text").toString(), QString());
 }
@@ -490,7 +474,7 @@ void TestIniFile::loadAfterSaveSeesNewValues()
 
 void TestIniFile::changedFileOfSameSizeAndTimeIsReadAnew()
 {
-    QVERIFY(put(ini(), "[main]\ntitle=first\n"));
+    writeFile(ini(), "[main]\ntitle=first\n");
     const QDateTime time = QFileInfo(ini()).lastModified();
     QCOMPARE(read(ini(), "main/title").toString(), QStringLiteral("first"));
     QFile file(ini());
@@ -534,7 +518,7 @@ void TestIniFile::hostileFileIsReadAndSaved_data()
 void TestIniFile::hostileFileIsReadAndSaved()
 {
     QFETCH(QByteArray, contents);
-    QVERIFY(put(ini(), contents));
+    writeFile(ini(), contents);
     State state;
     loadSettings(ini(), state.settings());
     QCOMPARE(contentsOf(ini()), contents);
@@ -553,7 +537,7 @@ void TestIniFile::hostileFileIsReadAndSaved()
 void TestIniFile::valueThatAsksForAllMemoryIsRefused()
 {
     const QByteArray contents = "[General]\nNumber=7\nText=@Variant(\\0\\0\\0\\v\\x7f\\xff\\xff\\xff)\n";
-    QVERIFY(put(ini(), contents));
+    writeFile(ini(), contents);
     State state;
     loadSettings(ini(), state.settings());
     QCOMPARE(state.number, 3);
@@ -565,13 +549,13 @@ void TestIniFile::valueThatAsksForAllMemoryIsRefused()
 void TestIniFile::folderInPlaceOfTheFile()
 {
     QVERIFY(QDir(m_folder->path()).mkdir("ovmic.ini"));
-    QVERIFY(put(in("ovmic.ini/inside"), "x"));
+    writeFile(in("ovmic.ini/inside"), "x");
     State state;
     loadSettings(ini(), state.settings());
     QCOMPARE(state.number, 3);
     QVERIFY(!saveSettings(ini(), state.settings()));
-    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
-    QCOMPARE(entries(ini()), QStringList{"inside"});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
+    QCOMPARE(namesIn(ini()), QStringList{"inside"});
 }
 
 void TestIniFile::pipeInPlaceOfTheFile()
@@ -586,8 +570,8 @@ void TestIniFile::pipeInPlaceOfTheFile()
 void TestIniFile::unreadableFileIsLeftAlone()
 {
     const QByteArray contents = "[General]\nNumber=7\n";
-    QVERIFY(put(ini(), contents));
-    QVERIFY(handOver({ini(), m_folder->path()}));
+    writeFile(ini(), contents);
+    handOver({ini(), m_folder->path()});
     QCOMPARE(chmod(QFile::encodeName(ini()).constData(), 0200), 0);
     const auto load = [&] {
         State state;
@@ -608,27 +592,27 @@ void TestIniFile::unreadableFileIsLeftAlone()
 void TestIniFile::readOnlyFolderIsRefused()
 {
     const QByteArray contents = "[General]\nNumber=7\n";
-    QVERIFY(put(ini(), contents));
-    QVERIFY(handOver({ini(), m_folder->path()}));
+    writeFile(ini(), contents);
+    handOver({ini(), m_folder->path()});
     const QByteArray folder = QFile::encodeName(m_folder->path());
     QCOMPARE(chmod(folder.constData(), 0555), 0);
     const Answer answer = asOrdinaryUser([&] { return writeIniFile(ini(), {{"Number", 8}}); });
     QCOMPARE(chmod(folder.constData(), 0700), 0);
     QCOMPARE(answer, Answer::No);
     QCOMPARE(contentsOf(ini()), contents);
-    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
 void TestIniFile::workFolderIsReplacedWhenUnusable()
 {
-    QVERIFY(put(ini(), "[General]\nNumber=7\n"));
+    writeFile(ini(), "[General]\nNumber=7\n");
     const auto saveAndLoad = [&] {
         qputenv("TMPDIR", "/no such folder");
         return writeIniFile(ini(), {{"Text", "𠮷"}}) && read(ini(), "Number").toInt() == 7 &&
                read(ini(), "Text").toString() == QStringLiteral("𠮷");
     };
     QCOMPARE(inChild(saveAndLoad), Answer::Yes);
-    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
 void TestIniFile::fullDiskLeavesOldFile()
@@ -637,13 +621,13 @@ void TestIniFile::fullDiskLeavesOldFile()
     const qint64 size = QFileInfo(in("complete.ini")).size();
     QVERIFY(writeIniFile(ini(), manyValues(0)));
     const QByteArray old = contentsOf(ini());
-    const QStringList before = entries(m_folder->path());
+    const QStringList before = namesIn(m_folder->path());
     const auto write = [&] { return writeIniFile(ini(), manyValues(1)); };
     QVERIFY(old.size() < size / 2);
     for (const qint64 room : {qint64(0), qint64(1), qint64(4096), qint64(old.size()), size / 2, size - 1}) {
         QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(room), write), Answer::No);
         QCOMPARE(contentsOf(ini()), old);
-        QCOMPARE(entries(m_folder->path()), before);
+        QCOMPARE(namesIn(m_folder->path()), before);
     }
     QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(size), write), Answer::Yes);
     QCOMPARE(contentsOf(ini()), contentsOf(in("complete.ini")));
@@ -667,7 +651,7 @@ void TestIniFile::fullSmallDiskLeavesOldFile()
     };
     QCOMPARE(inChild(writeThere), Answer::No);
     QCOMPARE(contentsOf(ini()), old);
-    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
 void TestIniFile::killedProcessLeavesWholeFile()
@@ -707,7 +691,7 @@ void TestIniFile::twoWritersLeaveOneWholeFile()
     };
     QVERIFY(both());
     QVERIFY(holds(ini(), manyValues(0)) || holds(ini(), manyValues(1)));
-    QCOMPARE(entries(m_folder->path()), QStringList{"ovmic.ini"});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
 QTEST_GUILESS_MAIN(TestIniFile)

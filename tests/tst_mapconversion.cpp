@@ -2,7 +2,8 @@
 
 #include "convertimage.h"
 #include "imagecompare.h"
-#include "messagelog.h"
+#include "messagecollector.h"
+#include "pictures.h"
 #include "referenceengine.h"
 
 #include <QColor>
@@ -24,24 +25,6 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr int largest = std::numeric_limits<int>::max();
 constexpr int smallest = std::numeric_limits<int>::min();
-
-QImage canvas(QSize size)
-{
-    QImage image(size, QImage::Format_ARGB32_Premultiplied);
-    image.fill(Qt::transparent);
-    return image;
-}
-
-/// A photograph whose colours say where they stand.
-QImage located(int width, int height)
-{
-    QImage image(width, height, QImage::Format_ARGB32);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            image.setPixelColor(x, y, QColor(x / 256, x % 256, y % 256));
-    }
-    return image;
-}
 
 const QImage &photograph()
 {
@@ -67,7 +50,7 @@ MapParameters globeStageOnly()
 
 QImage convert(const MapParameters &p, AzimuthCanvas azimuthCanvas = AzimuthCanvas::Transparent)
 {
-    const MessageLog silent;
+    const MessageCollector silent;
     return convertToMap(photograph(), p, azimuthCanvas);
 }
 
@@ -82,7 +65,7 @@ QImage globeStage()
     engine.setRadius(p.radius);
     engine.setDistance(p.distance);
     engine.setOutputRatio(128.0 / 101, 64 * 0.5 / 91);
-    const MessageLog silent;
+    const MessageCollector silent;
     engine.convertImage(source, map);
     return map;
 }
@@ -151,9 +134,9 @@ void tst_MapConversion::computesTheRatios()
 
 void tst_MapConversion::skipsEveryStepAtThePole()
 {
-    MessageLog log;
+    MessageCollector log;
     const QImage map = convertToMap(photograph(), globeStageOnly());
-    QCOMPARE(log.lines, QStringList("Convert error 0"));
+    QCOMPARE(log.messages(), QStringList("Convert error 0"));
     QCOMPARE(map.format(), QImage::Format_ARGB32_Premultiplied);
     COMPARE_IMAGES(map, globeStage());
     QVERIFY(map != canvas(map.size()));
@@ -319,7 +302,7 @@ void tst_MapConversion::convertsAnyFormat()
 {
     QFETCH(QImage::Format, format);
     const QImage other = photograph().convertToFormat(format);
-    const MessageLog silent;
+    const MessageCollector silent;
     COMPARE_IMAGES(convertToMap(other, globeStageOnly()),
                    convertToMap(other.convertToFormat(QImage::Format_ARGB32), globeStageOnly()));
 }
@@ -350,7 +333,7 @@ void tst_MapConversion::survivesChangesDuringEvents()
         p.outputSizeX = -1;
     });
     timer.start(0);
-    const MessageLog silent;
+    const MessageCollector silent;
     COMPARE_IMAGES(convertToMap(image, p), expected);
     QVERIFY(changes > 0);
 }
@@ -510,7 +493,7 @@ void tst_MapConversion::photographThatCannotBeConvertedGivesNullMap()
     // 48 MB as bytes of grey, never touched; 192 MB as 32-bit colours.
     const QImage large(8192, 6144, QImage::Format_Grayscale8);
     const MemoryLimit limit(96 * mebibyte);
-    const MessageLog silent;
+    const MessageCollector silent;
     QVERIFY(convertToMap(large, globeStageOnly()).isNull());
 }
 

@@ -1,6 +1,7 @@
 #include "mapfile.h"
 
 #include "faults.h"
+#include "files.h"
 
 #include <QDir>
 #include <QImage>
@@ -11,18 +12,6 @@
 
 namespace
 {
-
-QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be opened)");
-}
-
-bool put(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
-}
 
 /// A map as the engine makes it: colours on a transparent premultiplied canvas.
 QImage map(int width, int height, uint seed = 1)
@@ -153,7 +142,7 @@ void TestMapFile::whatCannotBeEncodedTouchesNothing()
 {
     QFETCH(QImage, image);
     QFETCH(QByteArray, format);
-    QVERIFY(put(in("old"), "old map"));
+    writeFile(in("old"), "old map");
     QVERIFY(!saveMap(image, in("old"), format.constData(), 85));
     QVERIFY(!saveMap(image, in("new"), format.constData(), 85));
     QCOMPARE(contentsOf(in("old")), QByteArray("old map"));
@@ -177,7 +166,7 @@ void TestMapFile::fullDiskLeavesOldMap()
     const QImage image = map(width, width / 2);
     QVERIFY(saveMap(image, in("complete"), format.constData(), 90));
     const qint64 size = QFileInfo(in("complete")).size();
-    QVERIFY(put(in("map"), "old map"));
+    writeFile(in("map"), "old map");
     const auto save = [&] { return saveMap(image, in("map"), format.constData(), 90); };
     for (const qint64 room : {qint64(0), size / 2, size - 1}) {
         QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(room), save), Answer::No);
@@ -214,9 +203,9 @@ void TestMapFile::missingFolderAndFolderAsTarget()
 
 void TestMapFile::writableMapInReadOnlyFolderIsReplaced()
 {
-    QVERIFY(put(in("map.png"), "old map"));
+    writeFile(in("map.png"), "old map");
     QVERIFY(saveMap(map(8, 4), in("expected.png"), "png", 85));
-    QVERIFY(handOver({in("map.png"), m_folder->path()}));
+    handOver({in("map.png"), m_folder->path()});
     const QByteArray folder = QFile::encodeName(m_folder->path());
     QCOMPARE(chmod(folder.constData(), 0555), 0);
     const auto save = [&](const QImage &image) {

@@ -1,6 +1,7 @@
 #include "replacefile.h"
 
 #include "faults.h"
+#include "files.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -8,6 +9,7 @@
 #include <QTest>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 Q_DECLARE_METATYPE(ReadOnlyFolder)
 
@@ -15,23 +17,6 @@ namespace
 {
 
 const QByteArray oldContents = "the old contents";
-
-bool put(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size();
-}
-
-QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(cannot be opened)");
-}
-
-QStringList entries(const QString &folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-}
 
 mode_t modeOf(const QString &path)
 {
@@ -117,10 +102,10 @@ void TestReplaceFile::contentsArrive()
     QFETCH(QByteArray, contents);
     const QString path = in("地図 𠮷.jpg");
     if (exists)
-        QVERIFY(put(path, oldContents));
+        writeFile(path, oldContents);
     QVERIFY(replaceFile(path, contents, ReadOnlyFolder::Refuse));
     QCOMPARE(contentsOf(path), contents);
-    QCOMPARE(entries(m_folder->path()), QStringList{QString::fromUtf8("地図 𠮷.jpg")});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{QString::fromUtf8("地図 𠮷.jpg")});
 }
 
 void TestReplaceFile::permissionsAreKept_data()
@@ -134,7 +119,7 @@ void TestReplaceFile::permissionsAreKept()
 {
     QFETCH(uint, mode);
     const QString path = in("map.jpg");
-    QVERIFY(put(path, oldContents));
+    writeFile(path, oldContents);
     QCOMPARE(chmod(QFile::encodeName(path).constData(), mode), 0);
     QVERIFY(replaceFile(path, "new", ReadOnlyFolder::Refuse));
     QCOMPARE(modeOf(path), mode);
@@ -169,7 +154,7 @@ void TestReplaceFile::linkIsFollowed()
     QVERIFY(folder.mkdir(QStringLiteral("folder")));
     const QString file = folder.filePath(links.last());
     if (exists)
-        QVERIFY(put(file, oldContents));
+        writeFile(file, oldContents);
     for (int i = 0; i + 1 < links.size(); ++i) // relative links, as people make them
         QCOMPARE(symlink(QFile::encodeName(links[i + 1]).constData(),
                          QFile::encodeName(folder.filePath(links[i])).constData()),
@@ -179,7 +164,7 @@ void TestReplaceFile::linkIsFollowed()
         QVERIFY(QFileInfo(folder.filePath(links[i])).isSymLink());
     QVERIFY(!QFileInfo(file).isSymLink());
     QCOMPARE(contentsOf(file), QByteArray("new"));
-    QCOMPARE(entries(folder.filePath("folder")), QStringList{"file"});
+    QCOMPARE(namesIn(folder.filePath("folder")), QStringList{"file"});
 }
 
 void TestReplaceFile::ringOfLinksIsRefused()
@@ -187,7 +172,7 @@ void TestReplaceFile::ringOfLinksIsRefused()
     QCOMPARE(symlink("b", QFile::encodeName(in("a")).constData()), 0);
     QCOMPARE(symlink("a", QFile::encodeName(in("b")).constData()), 0);
     QVERIFY(!replaceFile(in("a"), "new", ReadOnlyFolder::WriteInPlace));
-    QCOMPARE(entries(m_folder->path()), (QStringList{"a", "b"}));
+    QCOMPARE(namesIn(m_folder->path()), (QStringList{"a", "b"}));
     QVERIFY(QFileInfo(in("a")).isSymLink());
 }
 
@@ -206,13 +191,13 @@ void TestReplaceFile::impossibleTargetIsRefused()
 {
     QFETCH(QString, name);
     QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("folder")));
-    QVERIFY(put(in("folder/inside"), oldContents));
-    QVERIFY(put(in("file"), oldContents));
+    writeFile(in("folder/inside"), oldContents);
+    writeFile(in("file"), oldContents);
     QVERIFY(QFile::link(in("folder"), in("link")));
     for (const auto mode : {ReadOnlyFolder::Refuse, ReadOnlyFolder::WriteInPlace})
         QVERIFY(!replaceFile(m_folder->filePath(name), "new", mode));
-    QCOMPARE(entries(m_folder->path()), (QStringList{"file", "folder", "link"}));
-    QCOMPARE(entries(in("folder")), QStringList{"inside"});
+    QCOMPARE(namesIn(m_folder->path()), (QStringList{"file", "folder", "link"}));
+    QCOMPARE(namesIn(in("folder")), QStringList{"inside"});
     QCOMPARE(contentsOf(in("file")), oldContents);
     QVERIFY(!replaceFile(QString(), "new", ReadOnlyFolder::WriteInPlace));
 }
@@ -240,16 +225,16 @@ void TestReplaceFile::longestFileName()
 {
     QFETCH(QString, name);
     const QString path = m_folder->filePath(name);
-    QVERIFY(put(path, oldContents));
+    writeFile(path, oldContents);
     QCOMPARE(chmod(QFile::encodeName(path).constData(), 0640), 0);
     QVERIFY(replaceFile(path, "new", ReadOnlyFolder::Refuse));
     QCOMPARE(contentsOf(path), QByteArray("new"));
     QCOMPARE(modeOf(path), mode_t(0640));
-    QCOMPARE(entries(m_folder->path()), QStringList{name});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{name});
     QCOMPARE(withFileSizeLimit(2, [&] { return replaceFile(path, "newer", ReadOnlyFolder::Refuse); }),
              Answer::No);
     QCOMPARE(contentsOf(path), QByteArray("new"));
-    QCOMPARE(entries(m_folder->path()), QStringList{name});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{name});
 }
 
 void TestReplaceFile::fullDiskLeavesOldFile_data()
@@ -269,13 +254,13 @@ void TestReplaceFile::fullDiskLeavesOldFile()
     QFETCH(int, size);
     QFETCH(int, room);
     const QString path = in("map.jpg");
-    QVERIFY(put(path, oldContents));
+    writeFile(path, oldContents);
     const QByteArray contents(size, 'n');
     for (const auto mode : {ReadOnlyFolder::Refuse, ReadOnlyFolder::WriteInPlace}) {
         const auto replace = [&] { return replaceFile(path, contents, mode); };
         QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(room), replace), Answer::No);
         QCOMPARE(contentsOf(path), oldContents);
-        QCOMPARE(entries(m_folder->path()), QStringList{"map.jpg"});
+        QCOMPARE(namesIn(m_folder->path()), QStringList{"map.jpg"});
     }
     const auto replace = [&] { return replaceFile(path, contents, ReadOnlyFolder::Refuse); };
     QCOMPARE(withFileSizeLimit(static_cast<rlim_t>(size), replace), Answer::Yes);
@@ -291,11 +276,11 @@ void TestReplaceFile::fullSmallDiskLeavesOldFile()
     }
     qInfo("tested on a mounted small disk too");
     const QString path = in("map.jpg");
-    QVERIFY(put(path, oldContents));
+    writeFile(path, oldContents);
     for (const int size : {61441, 65536, 1000000}) {
         QVERIFY(!replaceFile(path, QByteArray(size, 'n'), ReadOnlyFolder::WriteInPlace));
         QCOMPARE(contentsOf(path), oldContents);
-        QCOMPARE(entries(m_folder->path()), QStringList{"map.jpg"});
+        QCOMPARE(namesIn(m_folder->path()), QStringList{"map.jpg"});
     }
     QVERIFY(replaceFile(path, QByteArray(40000, 'n'), ReadOnlyFolder::WriteInPlace));
     QCOMPARE(contentsOf(path), QByteArray(40000, 'n'));
@@ -310,15 +295,15 @@ void TestReplaceFile::readOnlyFolder()
 {
     QFETCH(ReadOnlyFolder, mode);
     const QString path = in("map.jpg");
-    QVERIFY(put(path, oldContents));
-    QVERIFY(handOver({path, m_folder->path()}));
+    writeFile(path, oldContents);
+    handOver({path, m_folder->path()});
     QCOMPARE(chmod(QFile::encodeName(m_folder->path()).constData(), 0555), 0);
     const Answer answer = asOrdinaryUser([&] { return replaceFile(path, "new", mode); });
     QCOMPARE(chmod(QFile::encodeName(m_folder->path()).constData(), 0700), 0);
     const bool written = mode == ReadOnlyFolder::WriteInPlace;
     QCOMPARE(answer, written ? Answer::Yes : Answer::No);
     QCOMPARE(contentsOf(path), written ? QByteArray("new") : oldContents);
-    QCOMPARE(entries(m_folder->path()), QStringList{"map.jpg"});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{"map.jpg"});
 }
 
 void TestReplaceFile::readOnlyFolderWithoutFile_data()
@@ -329,12 +314,12 @@ void TestReplaceFile::readOnlyFolderWithoutFile_data()
 void TestReplaceFile::readOnlyFolderWithoutFile()
 {
     QFETCH(ReadOnlyFolder, mode);
-    QVERIFY(handOver({m_folder->path()}));
+    handOver({m_folder->path()});
     QCOMPARE(chmod(QFile::encodeName(m_folder->path()).constData(), 0555), 0);
     const Answer answer = asOrdinaryUser([&] { return replaceFile(in("map.jpg"), "new", mode); });
     QCOMPARE(chmod(QFile::encodeName(m_folder->path()).constData(), 0700), 0);
     QCOMPARE(answer, Answer::No);
-    QCOMPARE(entries(m_folder->path()), QStringList());
+    QCOMPARE(namesIn(m_folder->path()), QStringList());
 }
 
 void TestReplaceFile::readOnlyFile_data()
@@ -346,12 +331,12 @@ void TestReplaceFile::readOnlyFile()
 {
     QFETCH(ReadOnlyFolder, mode);
     const QString path = in("map.jpg");
-    QVERIFY(put(path, oldContents));
+    writeFile(path, oldContents);
     QCOMPARE(chmod(QFile::encodeName(path).constData(), 0444), 0);
-    QVERIFY(handOver({path, m_folder->path()}));
+    handOver({path, m_folder->path()});
     QCOMPARE(asOrdinaryUser([&] { return replaceFile(path, "new", mode); }), Answer::No);
     QCOMPARE(contentsOf(path), oldContents);
-    QCOMPARE(entries(m_folder->path()), QStringList{"map.jpg"});
+    QCOMPARE(namesIn(m_folder->path()), QStringList{"map.jpg"});
 }
 
 void TestReplaceFile::killedProcessLeavesWholeFile()
@@ -359,7 +344,7 @@ void TestReplaceFile::killedProcessLeavesWholeFile()
     const QString path = in("map.jpg");
     const QByteArray first(500000, 'a');
     const QByteArray second(300000, 'b');
-    QVERIFY(put(path, oldContents));
+    writeFile(path, oldContents);
     std::mt19937 random(20261120); // NOLINT(cert-msc51-cpp): the same moments in every run
     const auto replaceTwice = [&] {
         replaceFile(path, first, ReadOnlyFolder::WriteInPlace);

@@ -1,6 +1,8 @@
 #include "convertimage.h"
 
 #include "imagecompare.h"
+#include "pictures.h"
+#include "tickcounter.h"
 
 #include <QColor>
 #include <QtTest>
@@ -15,53 +17,25 @@ constexpr int largest = std::numeric_limits<int>::max();
 constexpr int smallest = std::numeric_limits<int>::min();
 const QColor untouched(1, 2, 3, 255);
 
-QImage canvas(int width, int height, const QColor &color = Qt::transparent)
-{
-    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
-    image.fill(color);
-    return image;
-}
-
-QColor colourOf(int x, int y)
-{
-    return {x / 256, x % 256, y % 256};
-}
-
 /// A map whose colours say where they stand.
-QImage located(int width, int height)
+QImage locatedMap(int width, int height)
 {
-    QImage map = canvas(width, height);
-    for (int y = 0; y < height; ++y) {
-        for (int x = 0; x < width; ++x)
-            map.setPixelColor(x, y, colourOf(x, y));
-    }
-    return map;
+    return located(width, height, QImage::Format_ARGB32_Premultiplied);
 }
 
 QImage rotated(int axis, int angle, QImage map)
 {
-    QImage result = canvas(map.width(), map.height(), untouched);
+    QImage result = canvas(map.size(), untouched);
     ConvertImage().rotateImage(axis, angle, map, result);
     return result;
 }
 
 QImage moved(double angle, QImage map)
 {
-    QImage result = canvas(map.width(), map.height());
+    QImage result = canvas(map.size());
     ConvertImage().moveImage(angle, map, result);
     return result;
 }
-
-/// Counts the turns of event handling.
-class TickCounter : public QObject
-{
-public:
-    TickCounter() { startTimer(0); }
-    int ticks = 0;
-
-protected:
-    void timerEvent(QTimerEvent *) override { ++ticks; }
-};
 
 } // namespace
 
@@ -101,23 +75,23 @@ void tst_RotateImage::shiftsByUpToOnePixelUnturned()
     // The angle of a column is measured in 360ths of the width, the column of an angle in 360ths of the width
     // less one: everything but the first row and column comes from one pixel before.
     for (const int axis : {1, 2, 3}) {
-        QImage expected = canvas(360, 180);
+        QImage expected = canvas({360, 180});
         for (int y = 0; y < 180; ++y) {
             for (int x = 0; x < 360; ++x)
                 expected.setPixelColor(x, y, colourOf(qMax(x - 1, 0), qMax(y - 1, 0)));
         }
-        COMPARE_IMAGES(rotated(axis, 0, located(360, 180)), expected);
+        COMPARE_IMAGES(rotated(axis, 0, locatedMap(360, 180)), expected);
     }
 }
 
 void tst_RotateImage::turnsAboutThePolarAxis()
 {
-    const QImage map = rotated(2, 90, located(360, 180));
+    const QImage map = rotated(2, 90, locatedMap(360, 180));
     // What stood at longitude 10 now stands 90 degrees to the right, but for the pixel lost by resampling.
     QCOMPARE(map.pixelColor(100, 50), colourOf(9, 49));
     QCOMPARE(map.pixelColor(359, 50), colourOf(268, 49));
     QCOMPARE(map.pixelColor(0, 50), colourOf(269, 49));
-    QCOMPARE(rotated(2, -90, located(360, 180)).pixelColor(100, 50), colourOf(189, 49));
+    QCOMPARE(rotated(2, -90, locatedMap(360, 180)).pixelColor(100, 50), colourOf(189, 49));
 }
 
 void tst_RotateImage::bringsTheTopRowToTheEquator_data()
@@ -137,7 +111,7 @@ void tst_RotateImage::bringsTheTopRowToTheEquator()
     QFETCH(int, axis);
     QFETCH(int, angle);
     QFETCH(int, longitude);
-    QImage map = canvas(360, 180, Qt::blue);
+    QImage map = canvas({360, 180}, Qt::blue);
     for (int x = 0; x < 360; ++x)
         map.setPixelColor(x, 0, Qt::red);
     const QImage result = rotated(axis, angle, map);
@@ -163,7 +137,7 @@ void tst_RotateImage::knowsThreeAxes_data()
 void tst_RotateImage::knowsThreeAxes()
 {
     QFETCH(int, axis);
-    const QImage map = located(40, 20);
+    const QImage map = locatedMap(40, 20);
     COMPARE_IMAGES(rotated(axis, 37, map), rotated(1, 37, map));
     QVERIFY(rotated(axis, 37, map) != rotated(2, 37, map));
     QVERIFY(rotated(axis, 37, map) != rotated(3, 37, map));
@@ -172,7 +146,7 @@ void tst_RotateImage::knowsThreeAxes()
 void tst_RotateImage::leavesPixelsWithoutLongitude()
 {
     // 45 degrees down on longitude 0, turned by -135 about longitude 90, is exactly the pole: X and Y are 0.
-    const QImage result = rotated(1, -135, located(4, 4));
+    const QImage result = rotated(1, -135, locatedMap(4, 4));
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < 4; ++x)
             QCOMPARE(result.pixelColor(x, y) == untouched, x == 0 && y == 1);
@@ -181,20 +155,20 @@ void tst_RotateImage::leavesPixelsWithoutLongitude()
 
 void tst_RotateImage::writesTransparentPixelsToo()
 {
-    COMPARE_IMAGES(rotated(3, 54, canvas(32, 16)), canvas(32, 16));
+    COMPARE_IMAGES(rotated(3, 54, canvas({32, 16})), canvas({32, 16}));
 }
 
 void tst_RotateImage::writesOnlyTheAreaOfTheSource()
 {
-    QImage map = located(20, 10);
-    QImage larger = canvas(23, 14, untouched);
+    QImage map = locatedMap(20, 10);
+    QImage larger = canvas({23, 14}, untouched);
     ConvertImage().rotateImage(3, 25, map, larger);
     COMPARE_IMAGES(larger.copy(0, 0, 20, 10), rotated(3, 25, map));
     for (int y = 0; y < 14; ++y) {
         for (int x = 0; x < 23; ++x)
             QCOMPARE(larger.pixelColor(x, y) == untouched, x >= 20 || y >= 10);
     }
-    QImage smaller = canvas(7, 5, untouched);
+    QImage smaller = canvas({7, 5}, untouched);
     ConvertImage().rotateImage(3, 25, map, smaller);
     COMPARE_IMAGES(smaller, rotated(3, 25, map).copy(0, 0, 7, 5));
 }
@@ -215,8 +189,8 @@ void tst_RotateImage::bearsAnyAngle()
     QFETCH(int, same);
     // In an odd map no sample lies near the border of two pixels, where the last bits would decide.
     for (const int axis : {1, 2, 3}) {
-        const QImage result = rotated(axis, angle, located(7, 5));
-        COMPARE_IMAGES(result.copy(1, 1, 6, 3), rotated(axis, same, located(7, 5)).copy(1, 1, 6, 3));
+        const QImage result = rotated(axis, angle, locatedMap(7, 5));
+        COMPARE_IMAGES(result.copy(1, 1, 6, 3), rotated(axis, same, locatedMap(7, 5)).copy(1, 1, 6, 3));
     }
 }
 
@@ -232,7 +206,7 @@ void tst_RotateImage::bearsTheSmallestMaps()
 {
     QFETCH(QSize, size);
     for (const int axis : {1, 2, 3}) {
-        const QImage result = rotated(axis, 30, located(size.width(), size.height()));
+        const QImage result = rotated(axis, 30, locatedMap(size.width(), size.height()));
         for (int y = 0; y < size.height(); ++y) {
             for (int x = 0; x < size.width(); ++x) {
                 const QColor colour = result.pixelColor(x, y);
@@ -246,9 +220,9 @@ void tst_RotateImage::bearsTheSmallestMaps()
 void tst_RotateImage::bearsNullImages()
 {
     QImage nothing;
-    QImage map = canvas(8, 4, untouched);
+    QImage map = canvas({8, 4}, untouched);
     ConvertImage().rotateImage(3, 54, nothing, map);
-    COMPARE_IMAGES(map, canvas(8, 4, untouched));
+    COMPARE_IMAGES(map, canvas({8, 4}, untouched));
     ConvertImage().rotateImage(3, 54, map, nothing);
     QVERIFY(nothing.isNull());
 }
@@ -280,8 +254,8 @@ void tst_RotateImage::movesTheColumns()
     QFETCH(int, width);
     QFETCH(double, angle);
     QFETCH(int, toTheRight);
-    const QImage map = located(width, 3);
-    QImage expected = canvas(width, 3);
+    const QImage map = locatedMap(width, 3);
+    QImage expected = canvas({width, 3});
     for (int x = 0; x < width; ++x) {
         for (int y = 0; y < 3; ++y)
             expected.setPixelColor((x + toTheRight + width) % width, y, map.pixelColor(x, y));
@@ -309,10 +283,10 @@ void tst_RotateImage::drawsNothingForLessThanOneColumn()
 {
     QFETCH(int, width);
     QFETCH(double, angle);
-    QImage map = located(width, 2);
-    QImage result = canvas(width, 2, untouched);
+    QImage map = locatedMap(width, 2);
+    QImage result = canvas({width, 2}, untouched);
     ConvertImage().moveImage(angle, map, result);
-    COMPARE_IMAGES(result, canvas(width, 2, untouched));
+    COMPARE_IMAGES(result, canvas({width, 2}, untouched));
 }
 
 void tst_RotateImage::losesColumnsBeyondOneWidth_data()
@@ -335,8 +309,8 @@ void tst_RotateImage::losesColumnsBeyondOneWidth()
 {
     QFETCH(double, angle);
     QFETCH(int, toTheRight);
-    const QImage map = located(360, 2);
-    QImage expected = canvas(360, 2);
+    const QImage map = locatedMap(360, 2);
+    QImage expected = canvas({360, 2});
     for (int x = 0; x < 360; ++x) {
         for (int y = 0; y < 2; ++y) {
             if (expected.valid(x + toTheRight, y))
@@ -348,7 +322,7 @@ void tst_RotateImage::losesColumnsBeyondOneWidth()
 
 void tst_RotateImage::keepsTransparencyWhenMoving()
 {
-    QImage map = canvas(256, 256);
+    QImage map = canvas({256, 256});
     for (int alpha = 0; alpha < 256; ++alpha) {
         for (int x = 0; x < 256; ++x)
             map.setPixelColor(x, alpha, QColor(x, 255 - x, x ^ 0x55, alpha));
@@ -361,9 +335,9 @@ void tst_RotateImage::keepsTransparencyWhenMoving()
 void tst_RotateImage::movesNullImagesNowhere()
 {
     QImage nothing;
-    QImage map = canvas(8, 4, untouched);
+    QImage map = canvas({8, 4}, untouched);
     ConvertImage().moveImage(90.0, nothing, map);
-    COMPARE_IMAGES(map, canvas(8, 4, untouched));
+    COMPARE_IMAGES(map, canvas({8, 4}, untouched));
     ConvertImage().moveImage(90.0, map, nothing);
     QVERIFY(nothing.isNull());
 }
@@ -372,8 +346,8 @@ void tst_RotateImage::handlesNoEvents()
 {
     QCoreApplication::processEvents();
     const TickCounter counter;
-    rotated(3, 54, located(64, 32));
-    moved(90.0, located(64, 32));
+    rotated(3, 54, locatedMap(64, 32));
+    moved(90.0, locatedMap(64, 32));
     QCOMPARE(counter.ticks, 0);
 }
 

@@ -7,7 +7,7 @@ QStringList collected;
 
 void collect(QtMsgType /*type*/, const QMessageLogContext & /*context*/, const QString &text)
 {
-    collected.append(text);
+    collected.append(text.simplified());
 }
 
 } // namespace

@@ -13,7 +13,7 @@ public:
     MessageCollector(const MessageCollector &) = delete;
     MessageCollector &operator=(const MessageCollector &) = delete;
 
-    /// The messages so far, one entry each, in order.
+    /// The messages so far, one entry each, in order, blanks simplified.
     QStringList messages() const;
 
 private:
