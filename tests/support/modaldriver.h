@@ -40,7 +40,7 @@ public:
     };
 
     /// @param timeLimitMs  how long done() waits for announced windows, milliseconds
-    explicit ModalDriver(int timeLimitMs = 5000);
+    explicit ModalDriver(int timeLimitMs = 20000);
     /// Fails the running test unless done() was asked or all is well.
     ~ModalDriver() override;
 
