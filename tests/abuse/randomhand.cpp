@@ -1,4 +1,5 @@
 #include "randomhand.h"
+#include "files.h"
 
 #include "previewwindow.h"
 
@@ -20,13 +21,6 @@ const QStringList texts{"0",           "1",          "5",          "-3",  "20", 
                         "99999999999", "32767",      "-65536",     "3.7", "-32769"};
 
 constexpr int mostAnswers = 25; // from then on every modal window is just closed
-
-void writeFile(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
 
 using NamedContents = std::pair<QString, QByteArray>;
 

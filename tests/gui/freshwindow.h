@@ -8,26 +8,32 @@
 #include <QTimer>
 #include <QWindow>
 
-/// The main window of a fresh installation in a folder of its own, shown, with the start-up pass behind it.
-/// Maps are small, so that conversions take no time.
-class FreshWindow : public TestWindow
+/// The main window of a fresh installation in a folder of its own, as it is before it has read anything.
+class InstalledWindow : public TestWindow
 {
 public:
-    FreshWindow()
+    InstalledWindow()
     {
-        QApplication::setQuitOnLastWindowClosed(false); // a closed window must not end the other tests
         settingFile = filePath("tool.ini");
         langFile = filePath("tool_lang.ini");
+    }
+    ~InstalledWindow() override
+    {
+        while (QGuiApplication::overrideCursor()) // each hover over the circle leaves one behind
+            QGuiApplication::restoreOverrideCursor();
+    }
+    Q_DISABLE_COPY_MOVE(InstalledWindow)
+
+    QString folder() const { return m_folder.path(); }
+    QString filePath(const QString &name) const { return m_folder.filePath(name); }
+
+    /// Reads texts and settings and appears, with the start-up pass still to come: it has to be called.
+    void appear()
+    {
         readShowString();
-        outputSizeX = 64;
-        outputSizeY = 32;
         show();
         startTimer->stop();
-        slot("timeout");
-        QCoreApplication::processEvents();
     }
-
-    QString filePath(const QString &name) const { return m_folder.filePath(name); }
 
     /// Opens a photograph from a file, without loss. The circle is the default one while the old one has a
     /// zero.
@@ -37,6 +43,24 @@ public:
             qFatal("cannot write the photograph");
         loadFileName = filePath(name);
         loadImage();
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+/// The same, shown, with the start-up pass behind it. Maps are small, so that conversions take no time.
+class FreshWindow : public InstalledWindow
+{
+public:
+    FreshWindow()
+    {
+        QApplication::setQuitOnLastWindowClosed(false); // a closed window must not end the other tests
+        appear();
+        outputSizeX = 64;
+        outputSizeY = 32;
+        slot("timeout");
+        QCoreApplication::processEvents();
     }
 
     /// Shows a circle, as if it had been drawn.
@@ -61,9 +85,6 @@ public:
         const QPoint inWindow = widget->mapTo(this, position);
         QTest::mouseEvent(action, windowHandle(), button, Qt::NoModifier, inWindow);
     }
-
-private:
-    QTemporaryDir m_folder;
 };
 
 inline bool operator==(const SelectionCircle &a, const SelectionCircle &b)
@@ -83,8 +104,9 @@ inline SelectionCircle circleOf(const TestWindow &window)
     return {window.centerX, window.centerY, window.radius};
 }
 
-/// A photograph in which neighbouring pixels differ.
-inline QImage colourfulPhotograph(QSize size, QImage::Format format = QImage::Format_RGB32)
+/// A photograph in which every pixel has a colour of its own, up to 256 x 256 of them, so that no wrong sample
+/// goes unnoticed.
+inline QImage colourfulPhotograph(QSize size = {96, 72}, QImage::Format format = QImage::Format_RGB32)
 {
     QImage photograph(size, QImage::Format_ARGB32);
     for (int y = 0; y < size.height(); ++y) {

@@ -1,10 +1,11 @@
 #include "batchconvertdialog.h"
+#include "files.h"
+#include "freshwindow.h"
 #include "imagecompare.h"
 #include "messagecollector.h"
 #include "modaldriver.h"
 #include "referenceengine.h"
 #include "status.h"
-#include "testwindow.h"
 
 #include <QBuffer>
 #include <QDateTime>
@@ -13,7 +14,6 @@
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
-#include <QTemporaryDir>
 
 namespace
 {
@@ -26,12 +26,6 @@ QString failureText(int succeeded, int failed)
     return QStringLiteral("複数画像ファイル変換は失敗しました\n(%1個成功, %2個失敗)")
         .arg(succeeded)
         .arg(failed);
-}
-
-QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 /// Calls a function once, from the event loop, as soon as a condition holds: in the middle of a run.
@@ -105,38 +99,28 @@ private slots:
 
 private:
     QString photograph(const QString &name, int seed = 1);
-    QString output(const QString &name) const { return m_folder->filePath("out/" + name); }
+    QString output(const QString &name) const { return m_window->filePath("out/" + name); }
     QStringList outputs() const { return QDir(output("")).entryList(QDir::Files, QDir::Name); }
     void run(const QString &message);
     QImage expectedMap(const QString &path) const;
     /// Whether a run is in the middle of this photograph; photographs differ by their seeds.
     bool isConverting(const QString &path) const { return m_window->image == QImage(path); }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<TestWindow> m_window;
+    std::unique_ptr<FreshWindow> m_window;
 };
 
 void tst_Batch::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(QDir(m_folder->path()).mkdir("out"));
-    m_window = std::make_unique<TestWindow>();
-    m_window->settingFile = m_folder->filePath("tool.ini");
-    m_window->langFile = m_folder->filePath("tool_lang.ini");
-    m_window->readShowString();
-    m_window->show();
-    m_window->startTimer->stop();
-    m_window->unattended = 0;
+    m_window = std::make_unique<FreshWindow>();
+    QVERIFY(QDir(m_window->folder()).mkdir("out"));
     m_window->centerX = 30;
     m_window->centerY = 20;
     m_window->radius = 18;
     m_window->distance = 6.6;
-    m_window->outputSizeX = 64;
-    m_window->outputSizeY = 32;
     m_window->latitude = 35;
     m_window->longitude = 139;
     m_window->format = 1;
-    m_window->outputFolder = m_folder->filePath("out");
+    m_window->outputFolder = m_window->filePath("out");
 }
 
 void tst_Batch::cleanup()
@@ -151,7 +135,7 @@ QString tst_Batch::photograph(const QString &name, int seed)
         for (int x = 0; x < 60; ++x)
             picture.setPixel(x, y, qRgb((x * seed * 5) % 256, (y * 6) % 256, (x + y + seed * 31) % 256));
     }
-    const QString path = m_folder->filePath(name);
+    const QString path = m_window->filePath(name);
     if (!picture.save(path))
         qFatal("cannot write %s", qPrintable(path));
     return path;
@@ -178,7 +162,7 @@ void tst_Batch::everyMapEqualsTheReference()
     run(successText);
     QCOMPARE(outputs(), (QStringList{"a.png", "b.png", "c.png"}));
     for (const QString &name : outputs())
-        COMPARE_IMAGES(QImage(output(name)), expectedMap(m_folder->filePath(name)));
+        COMPARE_IMAGES(QImage(output(name)), expectedMap(m_window->filePath(name)));
     QCOMPARE(m_window->imageWidth, 60);
     QCOMPARE(m_window->ratioX, 64.0 / 60);
     QCOMPARE(m_window->ratioY, 16.0 / 40);
@@ -224,10 +208,10 @@ void tst_Batch::numbersMatchListPositions()
 {
     m_window->nameType = 1;
     m_window->fileList =
-        QStringList{photograph("a.png", 1), m_folder->filePath("b-missing.png"), photograph("c.png", 3)};
+        QStringList{photograph("a.png", 1), m_window->filePath("b-missing.png"), photograph("c.png", 3)};
     run(failureText(2, 1));
     QCOMPARE(outputs(), (QStringList{"map_0.png", "map_2.png"}));
-    COMPARE_IMAGES(QImage(output("map_2.png")), expectedMap(m_folder->filePath("c.png")));
+    COMPARE_IMAGES(QImage(output("map_2.png")), expectedMap(m_window->filePath("c.png")));
 }
 
 void tst_Batch::azimuthWithoutLaterStepsFailsEverySave()
@@ -260,8 +244,8 @@ void tst_Batch::sortedByPath()
     m_window->fileList = QStringList{photograph("img9.png", 9), photograph("img10.png", 10),
                                      photograph("a.png", 3), photograph("B.png", 4)};
     run(successText);
-    const QStringList order{m_folder->filePath("B.png"), m_folder->filePath("a.png"),
-                            m_folder->filePath("img10.png"), m_folder->filePath("img9.png")};
+    const QStringList order{m_window->filePath("B.png"), m_window->filePath("a.png"),
+                            m_window->filePath("img10.png"), m_window->filePath("img9.png")};
     QCOMPARE(QStringList(m_window->fileList), order); // stays sorted after the run
     for (int i = 0; i < order.size(); ++i)
         COMPARE_IMAGES(QImage(output(QStringLiteral("map_%1.png").arg(i))), expectedMap(order.at(i)));
@@ -359,7 +343,7 @@ void tst_Batch::escapeAndTitleBarMeanStop()
     m_window->fileList = QStringList{photograph("a.png", 1), photograph("b.png", 2), photograph("c.png", 3)};
     const auto status = [this] { return m_window->findChild<Status *>(); };
     bool stayed = false;
-    const WhenTrue stop([&] { return isConverting(m_folder->filePath("b.png")); },
+    const WhenTrue stop([&] { return isConverting(m_window->filePath("b.png")); },
                         [&] {
                             if (titleBar)
                                 status()->close();
@@ -376,8 +360,8 @@ void tst_Batch::progressSkipsUnreadableInputs()
 {
     m_window->overwrite = false;
     QVERIFY(QFile::copy(photograph("c.png"), output("c.png"))); // will be refused, and still advances
-    m_window->fileList = QStringList{photograph("a.png"), m_folder->filePath("b.png"), photograph("c.png"),
-                                     m_folder->filePath("d.png")};
+    m_window->fileList = QStringList{photograph("a.png"), m_window->filePath("b.png"), photograph("c.png"),
+                                     m_window->filePath("d.png")};
     QString lastShown;
     int percent = -1;
     ModalDriver driver;
@@ -435,7 +419,7 @@ void tst_Batch::unattendedShowsNothing()
 {
     m_window->unattended = 1;
     m_window->hide();
-    m_window->fileList = QStringList{photograph("a.png"), m_folder->filePath("missing.png")};
+    m_window->fileList = QStringList{photograph("a.png"), m_window->filePath("missing.png")};
     bool statusShown = false;
     const WhenTrue look([&] { return m_window->findChild<Status *>() != nullptr; },
                         [&] { statusShown = m_window->findChild<Status *>()->isVisible(); });
@@ -451,7 +435,7 @@ void tst_Batch::unattendedShowsNothing()
 void tst_Batch::closingTheWindowEndsTheRun()
 {
     m_window->fileList = QStringList{photograph("a.png", 1), photograph("b.png", 2), photograph("c.png", 3)};
-    const WhenTrue close([&] { return isConverting(m_folder->filePath("b.png")); },
+    const WhenTrue close([&] { return isConverting(m_window->filePath("b.png")); },
                          [&] { m_window->close(); });
     ModalDriver driver; // nobody is left to read a message
     m_window->batchConvert();
@@ -470,7 +454,7 @@ void tst_Batch::extensionFollowsTheFormat()
     QCOMPARE(outputs(), QStringList{"img.jpg"});
     QBuffer encoded;
     QVERIFY(encoded.open(QIODevice::WriteOnly));
-    QVERIFY(expectedMap(m_folder->filePath("img.2020.png")).save(&encoded, "jpg", 40));
+    QVERIFY(expectedMap(m_window->filePath("img.2020.png")).save(&encoded, "jpg", 40));
     QCOMPARE(contentsOf(output("img.jpg")), encoded.data());
 }
 
@@ -486,33 +470,33 @@ void tst_Batch::outputFolderThatFails()
 {
     QFETCH(QString, folder);
     m_window->fileList = QStringList{photograph("a.png"), photograph("b.png")};
-    QVERIFY(QDir(m_folder->path()).mkpath("occupied/a.png"));
-    QVERIFY(QDir(m_folder->path()).mkpath("occupied/b.png"));
-    m_window->outputFolder = m_folder->filePath(folder);
-    const QByteArray before = contentsOf(m_folder->filePath("a.png"));
+    QVERIFY(QDir(m_window->folder()).mkpath("occupied/a.png"));
+    QVERIFY(QDir(m_window->folder()).mkpath("occupied/b.png"));
+    m_window->outputFolder = m_window->filePath(folder);
+    const QByteArray before = contentsOf(m_window->filePath("a.png"));
     run(failureText(0, 2));
-    QCOMPARE(contentsOf(m_folder->filePath("a.png")), before);
-    QVERIFY(!QFile::exists(m_folder->filePath("missing")));
+    QCOMPARE(contentsOf(m_window->filePath("a.png")), before);
+    QVERIFY(!QFile::exists(m_window->filePath("missing")));
 }
 
 // Unreadable inputs of every kind count as failures, the run goes on, and no output is left of them.
 void tst_Batch::badInputs()
 {
     const auto write = [this](const QString &name, const QByteArray &contents) {
-        QFile file(m_folder->filePath(name));
+        QFile file(m_window->filePath(name));
         if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
             qFatal("cannot write %s", qPrintable(name));
         return file.fileName();
     };
     const QByteArray whole = contentsOf(photograph("whole.png"));
-    QVERIFY(QDir(m_folder->path()).mkdir("folder.png"));
+    QVERIFY(QDir(m_window->folder()).mkdir("folder.png"));
     const QString good = photograph("good.jpg");
     m_window->sortType = 9;
     m_window->fileList = QStringList{write("empty.png", ""),
                                      write("text.jpg", "no image"),
                                      write("cut.png", whole.left(70)),
-                                     m_folder->filePath("folder.png"),
-                                     m_folder->filePath("missing.png"),
+                                     m_window->filePath("folder.png"),
+                                     m_window->filePath("missing.png"),
                                      good,
                                      good,
                                      write("really-a-png.jpg", whole)};
@@ -599,7 +583,7 @@ void tst_Batch::acceptedDialogTakesTheTypedCircle()
     m_window->configConvert();
     QVERIFY(driver.done());
     QCOMPARE(m_window->radius, 18);
-    COMPARE_IMAGES(QImage(output("a.png")), expectedMap(m_folder->filePath("a.png")));
+    COMPARE_IMAGES(QImage(output("a.png")), expectedMap(m_window->filePath("a.png")));
 }
 
 void tst_Batch::titleFollowsTheActionsText()
@@ -618,7 +602,7 @@ void tst_Batch::stopTextComesFromTheLanguageFile()
     file.write("[main]\nbatch_btn_stop=\"Halt\"\nbatch_fail1=\"(\"\nbatch_fail2=\"|\"\nbatch_fail3=\")\"\n");
     file.close();
     m_window->readShowString();
-    m_window->fileList = QStringList{m_folder->filePath("missing.png")};
+    m_window->fileList = QStringList{m_window->filePath("missing.png")};
     QString caption;
     ModalDriver driver;
     driver.expect<QMessageBox>([&](QMessageBox *box) {

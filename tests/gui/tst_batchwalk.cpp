@@ -2,17 +2,16 @@
 // dialogs, the run is stopped in the middle, and the message is read.
 
 #include "batchconvertdialog.h"
+#include "freshwindow.h"
 #include "imagecompare.h"
 #include "modaldriver.h"
 #include "referenceengine.h"
 #include "status.h"
-#include "testwindow.h"
 
 #include <QDir>
 #include <QFileDialog>
 #include <QLabel>
 #include <QPushButton>
-#include <QTemporaryDir>
 
 class tst_BatchWalk : public QObject
 {
@@ -27,34 +26,30 @@ private slots:
 private:
     void click(QWidget *window, const char *button);
     void openFromTheMenu();
-    QString map(int i) const { return m_folder->filePath(QStringLiteral("maps/photo%1.png").arg(i)); }
+    QString map(int i) const { return m_window->filePath(QStringLiteral("maps/photo%1.png").arg(i)); }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<TestWindow> m_window;
+    std::unique_ptr<InstalledWindow> m_window;
 };
 
 void tst_BatchWalk::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(QDir(m_folder->path()).mkdir("maps"));
-    QVERIFY(QDir(m_folder->path()).mkdir("in"));
+    m_window = std::make_unique<InstalledWindow>();
+    QVERIFY(QDir(m_window->folder()).mkdir("maps"));
+    QVERIFY(QDir(m_window->folder()).mkdir("in"));
     for (int i = 0; i < 6; ++i) {
         QImage photograph(80, 60, QImage::Format_RGB32);
         for (int y = 0; y < 60; ++y) {
             for (int x = 0; x < 80; ++x)
                 photograph.setPixel(x, y, qRgb((x * (i + 2)) % 256, y * 4, i * 40));
         }
-        QVERIFY(photograph.save(m_folder->filePath(QStringLiteral("in/photo%1.png").arg(i))));
+        QVERIFY(photograph.save(m_window->filePath(QStringLiteral("in/photo%1.png").arg(i))));
     }
-    m_window = std::make_unique<TestWindow>();
-    m_window->settingFile = m_folder->filePath("tool.ini");
-    m_window->langFile = m_folder->filePath("tool_lang.ini");
     m_window->readShowString();
     m_window->outputSizeX = 128;
     m_window->outputSizeY = 64;
     m_window->format = 1;
-    m_window->inputFolder = m_folder->filePath("in");
-    m_window->outputFolder = m_folder->path();
+    m_window->inputFolder = m_window->filePath("in");
+    m_window->outputFolder = m_window->folder();
     m_window->show();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
     QTRY_COMPARE(m_window->unattended, 0);
@@ -90,15 +85,15 @@ void tst_BatchWalk::pickStartStopRead()
 {
     QStringList inputs;
     for (int i = 0; i < 6; ++i)
-        inputs.append(m_folder->filePath(QStringLiteral("in/photo%1.png").arg(i)));
+        inputs.append(m_window->filePath(QStringLiteral("in/photo%1.png").arg(i)));
 
-    ModalDriver driver(20000);
+    ModalDriver driver;
     driver.expect<BatchConvertDialog>([&](BatchConvertDialog *dialog) {
         click(dialog, "btnSelectFiles");
         QCOMPARE(dialog->findChild<QLabel *>("labelSelectCount")->text(),
                  QString("6 個のファイルが選択されました"));
         click(dialog, "btnOutputFolder");
-        QCOMPARE(dialog->findChild<QLabel *>("labelOutputFolder")->text(), m_folder->filePath("maps"));
+        QCOMPARE(dialog->findChild<QLabel *>("labelOutputFolder")->text(), m_window->filePath("maps"));
         click(dialog, "btnConvert");
     });
     driver.expect<QFileDialog>([&](QFileDialog *picker) {
@@ -107,7 +102,7 @@ void tst_BatchWalk::pickStartStopRead()
     });
     driver.expect<QFileDialog>([&](QFileDialog *picker) {
         QCOMPARE(picker->windowTitle(), QString("変換後のファイルを保存するフォルダを選択して下さい"));
-        pickPath(picker, m_folder->filePath("maps"));
+        pickPath(picker, m_window->filePath("maps"));
     });
     driver.expectMessage({"複数画像ファイル変換", "複数画像ファイル変換は失敗しました\n(3個成功, 0個失敗)"});
 
@@ -128,7 +123,7 @@ void tst_BatchWalk::pickStartStopRead()
     QVERIFY(driver.done());
     QVERIFY(progressShown);
     QVERIFY(m_window->isEnabled());
-    QCOMPARE(QDir(m_folder->filePath("maps")).entryList(QDir::Files).size(), 3);
+    QCOMPARE(QDir(m_window->filePath("maps")).entryList(QDir::Files).size(), 3);
     for (int i = 0; i < 3; ++i) {
         const QImage source = QImage(inputs.at(i)).convertToFormat(QImage::Format_ARGB32);
         COMPARE_IMAGES(QImage(map(i)), reference::convert(source, {40, 30, 28, 100.0, 128, 64, 0, 0, 0}));
@@ -137,7 +132,7 @@ void tst_BatchWalk::pickStartStopRead()
 
 void tst_BatchWalk::wholeFolder()
 {
-    ModalDriver driver(20000);
+    ModalDriver driver;
     driver.expect<BatchConvertDialog>([&](BatchConvertDialog *dialog) {
         click(dialog, "btnSelectFolder");
         QCOMPARE(dialog->findChild<QLabel *>("labelSelectCount")->text(),
@@ -147,13 +142,13 @@ void tst_BatchWalk::wholeFolder()
     });
     driver.expect<QFileDialog>([&](QFileDialog *picker) {
         QCOMPARE(picker->windowTitle(), QString("変換するファイルが含まれるフォルダを選択して下さい"));
-        pickPath(picker, m_folder->filePath("in"));
+        pickPath(picker, m_window->filePath("in"));
     });
     driver.expectMessage({"複数画像ファイル変換", "複数画像ファイル変換が終了しました"});
-    m_window->outputFolder = m_folder->filePath("maps");
+    m_window->outputFolder = m_window->filePath("maps");
     openFromTheMenu();
     QVERIFY(driver.done());
-    QCOMPARE(QDir(m_folder->filePath("maps")).entryList(QDir::Files, QDir::Name),
+    QCOMPARE(QDir(m_window->filePath("maps")).entryList(QDir::Files, QDir::Name),
              (QStringList{"map_0.png", "map_1.png", "map_2.png", "map_3.png", "map_4.png", "map_5.png"}));
 }
 

@@ -61,8 +61,6 @@ void tst_Circle::init()
 void tst_Circle::cleanup()
 {
     m_window.reset();
-    while (QGuiApplication::overrideCursor())
-        QGuiApplication::restoreOverrideCursor();
 }
 
 void tst_Circle::typedCircleIsDrawn_data()

@@ -72,8 +72,6 @@ void tst_CircleCursor::init()
 void tst_CircleCursor::cleanup()
 {
     m_window.reset();
-    while (QGuiApplication::overrideCursor())
-        QGuiApplication::restoreOverrideCursor();
 }
 
 void tst_CircleCursor::hoverShowsTheCursorOfTheZone_data()

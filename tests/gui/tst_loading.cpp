@@ -1,22 +1,15 @@
+#include "files.h"
+#include "freshwindow.h"
 #include "modaldriver.h"
-#include "testwindow.h"
 
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QFile>
 #include <QFileDialog>
 #include <QMimeData>
-#include <QTemporaryDir>
 
 namespace
 {
-
-void writeFile(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(contents), qint64(contents.size()));
-}
 
 QList<QUrl> localUrls(const QStringList &paths)
 {
@@ -73,19 +66,13 @@ private:
     QString picture(const QString &name, QSize size = {100, 80}, const char *format = "PNG");
     void load(const QString &path);
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<TestWindow> m_window;
+    std::unique_ptr<InstalledWindow> m_window;
 };
 
 void tst_Loading::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_window = std::make_unique<TestWindow>();
-    m_window->settingFile = m_folder->filePath("tool.ini");
-    m_window->langFile = m_folder->filePath("tool_lang.ini");
-    m_window->readShowString();
-    m_window->show();
-    m_window->startTimer->stop();
+    m_window = std::make_unique<InstalledWindow>();
+    m_window->appear();
 }
 
 void tst_Loading::cleanup()
@@ -97,7 +84,7 @@ QString tst_Loading::picture(const QString &name, QSize size, const char *format
 {
     QImage image(size, QImage::Format_RGB32);
     image.fill(Qt::darkGreen);
-    const QString path = m_folder->filePath(name);
+    const QString path = m_window->filePath(name);
     if (!image.save(path, format))
         qFatal("cannot write %s", qPrintable(path));
     return path;
@@ -215,8 +202,8 @@ void tst_Loading::proposedName()
     m_window->format = format;
     load(picture(input));
     QCOMPARE(m_window->ui->lineSaveFilename->text(), output);
-    QCOMPARE(m_window->saveFileName, m_folder->filePath(output));
-    QCOMPARE(m_window->ui->lineSaveFilename->toolTip(), m_folder->filePath(output));
+    QCOMPARE(m_window->saveFileName, m_window->filePath(output));
+    QCOMPARE(m_window->ui->lineSaveFilename->toolTip(), m_window->filePath(output));
 }
 
 void tst_Loading::lineEditsFollow()
@@ -263,19 +250,19 @@ void tst_Loading::failedLoad_data()
 
 void tst_Loading::failedLoad()
 {
-    writeFile(m_folder->filePath("text.png"), "not an image at all");
-    writeFile(m_folder->filePath("empty.jpg"), "");
-    QVERIFY(QDir(m_folder->path()).mkdir("folder.png"));
+    writeFile(m_window->filePath("text.png"), "not an image at all");
+    writeFile(m_window->filePath("empty.jpg"), "");
+    QVERIFY(QDir(m_window->folder()).mkdir("folder.png"));
     QFile whole(picture("whole.png", {300, 300}));
     QVERIFY(whole.open(QIODevice::ReadOnly));
-    writeFile(m_folder->filePath("cut.png"), whole.readAll().left(60));
+    writeFile(m_window->filePath("cut.png"), whole.readAll().left(60));
 
     QFETCH(QString, name);
     load(picture("good.png"));
     m_window->centerX = 11;
     m_window->centerY = 12;
     m_window->radius = 13;
-    const QString path = m_folder->filePath(name);
+    const QString path = m_window->filePath(name);
     ModalDriver driver;
     driver.expectMessage({"開く", path + " は開けませんでした", QMessageBox::Warning});
     load(path);
@@ -297,8 +284,8 @@ void tst_Loading::failedLoadClearsThePicture()
     QVERIFY(!m_window->ui->label->pixmap(Qt::ReturnByValue).isNull());
     ModalDriver driver;
     driver.expectMessage(
-        {"開く", m_folder->filePath("none.png") + " は開けませんでした", QMessageBox::Warning});
-    load(m_folder->filePath("none.png"));
+        {"開く", m_window->filePath("none.png") + " は開けませんでした", QMessageBox::Warning});
+    load(m_window->filePath("none.png"));
     QVERIFY(driver.done());
     const QPixmap pixmap = m_window->ui->label->pixmap(Qt::ReturnByValue);
     QVERIFY(pixmap.isNull());
@@ -308,8 +295,8 @@ void tst_Loading::failedLoadStoresNoFileName()
 {
     ModalDriver driver;
     driver.expectMessage(
-        {"開く", m_folder->filePath("none.png") + " は開けませんでした", QMessageBox::Warning});
-    load(m_folder->filePath("none.png"));
+        {"開く", m_window->filePath("none.png") + " は開けませんでした", QMessageBox::Warning});
+    load(m_window->filePath("none.png"));
     QVERIFY(driver.done());
     m_window->close();
     QFile file(m_window->settingFile);
@@ -322,15 +309,15 @@ void tst_Loading::warningTitleIsTheButtonsText()
     m_window->ui->btnImageRead->setText("Open");
     ModalDriver driver;
     driver.expectMessage(
-        {"Open", m_folder->filePath("none.png") + " は開けませんでした", QMessageBox::Warning});
-    load(m_folder->filePath("none.png"));
+        {"Open", m_window->filePath("none.png") + " は開けませんでした", QMessageBox::Warning});
+    load(m_window->filePath("none.png"));
     QVERIFY(driver.done());
 }
 
 // Even one that looks like markup.
 void tst_Loading::fileNameIsShownAsItIs()
 {
-    const QString path = m_folder->filePath("<b>missing</b>.png");
+    const QString path = m_window->filePath("<b>missing</b>.png");
     ModalDriver driver;
     driver.expect<QMessageBox>([&](QMessageBox *box) {
         QCOMPARE(box->text(), path + " は開けませんでした");
@@ -359,14 +346,14 @@ void tst_Loading::noReadPermission()
 void tst_Loading::openDialog()
 {
     const QString path = picture("p.png");
-    m_window->loadFileName = m_folder->filePath("earlier.png");
+    m_window->loadFileName = m_window->filePath("earlier.png");
     ModalDriver driver;
     driver.expect<QFileDialog>([&](QFileDialog *dialog) {
         QCOMPARE(dialog->windowTitle(), QString("表示したい画像ファイルを選択して下さい"));
         QCOMPARE(dialog->nameFilters(), QStringList{"画像ファイル (*.gif *.png *.jpg)"});
         QCOMPARE(dialog->fileMode(), QFileDialog::ExistingFile);
         QCOMPARE(dialog->acceptMode(), QFileDialog::AcceptOpen);
-        QCOMPARE(dialog->directory().absolutePath(), m_folder->path());
+        QCOMPARE(dialog->directory().absolutePath(), m_window->folder());
         pickPath(dialog, path);
     });
     QTest::mouseClick(m_window->ui->btnImageRead, Qt::LeftButton);
@@ -384,7 +371,7 @@ void tst_Loading::cancelledOpenDialogChangesNothing()
     QTest::mouseClick(m_window->ui->btnImageRead, Qt::LeftButton);
     QVERIFY(driver.done());
     QCOMPARE(m_window->image.cacheKey(), before);
-    QCOMPARE(m_window->loadFileName, m_folder->filePath("p.png"));
+    QCOMPARE(m_window->loadFileName, m_window->filePath("p.png"));
 }
 
 void tst_Loading::dragEnter_data()

@@ -1,3 +1,4 @@
+#include "files.h"
 #include "freshwindow.h"
 #include "imagecompare.h"
 #include "messagecollector.h"
@@ -19,19 +20,6 @@ namespace
 {
 
 constexpr SelectionCircle aCircle{120, 80, 40};
-
-QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
 
 /// As on a full disk: no file of this process can grow while it lives.
 class FullDisk

@@ -1,3 +1,4 @@
+#include "freshwindow.h"
 #include "imagecompare.h"
 #include "messagecollector.h"
 #include "modaldriver.h"
@@ -6,7 +7,6 @@
 
 #include <QFile>
 #include <QFileDialog>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <functional>
@@ -128,27 +128,21 @@ private slots:
     void buttonsPressedDuringAConversion();
 
 private:
-    QString path(const QString &name) const { return m_folder->filePath(name); }
+    QString path(const QString &name) const { return m_window->filePath(name); }
     void load(const QString &name, QSize size);
     QImage shownMap() const;
     int runUntilTheEnd(const std::function<void()> &first);
     void inTheMiddle(const std::function<void()> &act);
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<TestWindow> m_window;
+    std::unique_ptr<InstalledWindow> m_window;
     int m_acted = 0; // how often inTheMiddle's action ran inside a conversion
 };
 
 void tst_Preview::init()
 {
     m_acted = 0;
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_window = std::make_unique<TestWindow>();
-    m_window->settingFile = path("tool.ini");
-    m_window->langFile = path("tool_lang.ini");
-    m_window->readShowString();
-    m_window->show();
-    m_window->startTimer->stop();
+    m_window = std::make_unique<InstalledWindow>();
+    m_window->appear();
     m_window->outputSizeX = 64;
     m_window->outputSizeY = 32;
     load("planet.png", {96, 72});
@@ -158,8 +152,6 @@ void tst_Preview::init()
 void tst_Preview::cleanup()
 {
     m_window.reset();
-    while (QApplication::overrideCursor()) // the window leaves cursors behind
-        QApplication::restoreOverrideCursor();
 }
 
 void tst_Preview::load(const QString &name, QSize size)

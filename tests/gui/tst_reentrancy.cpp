@@ -111,8 +111,6 @@ void tst_Reentrancy::init()
 void tst_Reentrancy::cleanup()
 {
     m_window.reset();
-    while (QGuiApplication::overrideCursor())
-        QGuiApplication::restoreOverrideCursor();
 }
 
 QImage tst_Reentrancy::convertWith(const std::function<void()> &disturbance)

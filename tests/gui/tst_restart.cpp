@@ -1,11 +1,12 @@
 // What only several processes can show: this executable starts itself to play the program's next run, to be
 // killed, and to run out of memory.
 
+#include "files.h"
+#include "freshwindow.h"
 #include "messagecollector.h"
 #include "referencemap.h"
 #include "settingsdump.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QProcess>
 #include <QTemporaryDir>
@@ -67,6 +68,9 @@ int closeForEver(const QString &settingFile)
 // Converts to a map of a size that does not fit into the memory, with the preview open.
 int convertHuge(int width, int height)
 {
+    const rlimit seconds{10, 10}; // of processor time; then the process is killed
+    if (setrlimit(RLIMIT_CPU, &seconds) != 0)
+        return 1;
 #ifndef __SANITIZE_ADDRESS__ // which needs all the addresses there are
     const rlimit memory{rlim_t{2} << 30, rlim_t{2} << 30};
     if (setrlimit(RLIMIT_AS, &memory) != 0)
@@ -83,21 +87,6 @@ int convertHuge(int width, int height)
     const bool empty = window.convertImage().isNull();
     const bool atOnce = collector.messages().filter("Convert error").isEmpty();
     return empty && atOnce ? 0 : 2;
-}
-
-QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-QByteArray valueIn(const QByteArray &file, const QByteArray &key)
-{
-    for (const QByteArray &line : file.split('\n')) {
-        if (line.startsWith(key + '='))
-            return line.mid(key.size() + 1);
-    }
-    return "no such key";
 }
 
 } // namespace
@@ -261,14 +250,11 @@ void tst_Restart::mapThatDoesNotFitIntoTheMemory()
 {
     QFETCH(QString, width);
     QFETCH(QString, height);
-    QElapsedTimer timer;
-    timer.start();
     QProcess process;
     process.start(QCoreApplication::applicationFilePath(), {"--convert", width, height});
     QVERIFY(process.waitForFinished());
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
-    QVERIFY(timer.elapsed() < 10000);
 }
 
 int main(int argc, char *argv[])

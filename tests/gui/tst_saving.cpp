@@ -1,16 +1,17 @@
+#include "faults.h"
+#include "files.h"
+#include "freshwindow.h"
 #include "imagecompare.h"
 #include "messagecollector.h"
 #include "modaldriver.h"
 #include "previewwindow.h"
 #include "referencemap.h"
-#include "restraints.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QFileDialog>
 #include <QImageReader>
 #include <QImageWriter>
-#include <QTemporaryDir>
 
 #include <sys/stat.h>
 
@@ -38,28 +39,10 @@ ModalDriver::Message confirmation(const QString &path)
             QMessageBox::Ok};
 }
 
-QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
-
 void changeMode(const QString &path, int mode)
 {
     if (chmod(QFile::encodeName(path).constData(), static_cast<mode_t>(mode)) != 0)
         qFatal("cannot change the mode of %s", qPrintable(path));
-}
-
-QStringList namesIn(const QString &folder)
-{
-    return QDir(folder).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Name);
 }
 
 QByteArray encoded(const QImage &map, const char *format, int quality)
@@ -128,26 +111,15 @@ private slots:
 private:
     void clickConvert();
     void save(const QString &name);
-    QString path(const QString &name) const { return m_folder->filePath(name); }
+    QString path(const QString &name) const { return m_window->filePath(name); }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<TestWindow> m_window;
+    std::unique_ptr<FreshWindow> m_window;
 };
 
 void tst_Saving::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_window = std::make_unique<TestWindow>();
-    m_window->settingFile = path("tool.ini");
-    m_window->langFile = path("tool_lang.ini");
-    m_window->readShowString();
-    m_window->show();
-    m_window->startTimer->stop();
-    QVERIFY(colourfulPhotograph().save(path("planet.png")));
-    m_window->outputSizeX = 64;
-    m_window->outputSizeY = 32;
-    m_window->loadFileName = path("planet.png");
-    m_window->loadImage();
+    m_window = std::make_unique<FreshWindow>();
+    m_window->open(colourfulPhotograph(), "planet.png");
     QVERIFY(!m_window->image.isNull());
 }
 
@@ -282,7 +254,7 @@ void tst_Saving::decliningKeepsTheOldFile()
     QFETCH(int, button);
     QFETCH(int, key);
     writeFile(path("OV-planet.jpg"), oldContents);
-    const QStringList names = namesIn(m_folder->path());
+    const QStringList names = namesIn(m_window->folder());
     const MessageCollector collector;
     ModalDriver driver;
     if (key == 0)
@@ -292,7 +264,7 @@ void tst_Saving::decliningKeepsTheOldFile()
     clickConvert();
     QVERIFY(driver.done());
     QCOMPARE(contentsOf(path("OV-planet.jpg")), oldContents);
-    QCOMPARE(namesIn(m_folder->path()), names);
+    QCOMPARE(namesIn(m_window->folder()), names);
     QVERIFY(!collector.messages().contains("convertImage"));
     QCOMPARE(m_window->saveFileName, path("OV-planet.jpg"));
 }
@@ -327,7 +299,7 @@ void tst_Saving::acceptingReplacesTheOldFile()
 void tst_Saving::noQuestionWithoutAnOldFile()
 {
     save("OV-planet.jpg");
-    QCOMPARE(namesIn(m_folder->path()), (QStringList{"OV-planet.jpg", "planet.png"}));
+    QCOMPARE(namesIn(m_window->folder()), (QStringList{"OV-planet.jpg", "planet.png"}));
 }
 
 void tst_Saving::boxesCarryTheButtonsCurrentText()
@@ -379,7 +351,7 @@ void tst_Saving::typedName_data()
 void tst_Saving::typedName()
 {
     QFETCH(QString, name);
-    QVERIFY(QDir(m_folder->path()).mkdir("sub"));
+    QVERIFY(QDir(m_window->folder()).mkdir("sub"));
     m_window->format = 1;
     save(name);
     QCOMPARE(m_window->saveFileName, path(name));
@@ -396,7 +368,7 @@ void tst_Saving::typedName()
 // The directory part of the path that was saved last leads, so a folder typed once counts again.
 void tst_Saving::typedFolderBelongsToTheNextSave()
 {
-    QVERIFY(QDir(m_folder->path()).mkpath("sub/sub"));
+    QVERIFY(QDir(m_window->folder()).mkpath("sub/sub"));
     save("sub/map.jpg");
     QVERIFY(QFile::exists(path("sub/map.jpg")));
     ModalDriver driver;
@@ -410,14 +382,14 @@ void tst_Saving::typedFolderBelongsToTheNextSave()
 void tst_Saving::emptyNameMeansTheFolder()
 {
     m_window->ui->lineSaveFilename->clear();
-    const QStringList names = namesIn(m_folder->path());
+    const QStringList names = namesIn(m_window->folder());
     ModalDriver driver;
     driver.expectMessage(overwriteQuestion("", QMessageBox::Yes));
-    driver.expectMessage(confirmation(m_folder->path() + '/'));
+    driver.expectMessage(confirmation(m_window->folder() + '/'));
     clickConvert();
     QVERIFY(driver.done());
-    QCOMPARE(namesIn(m_folder->path()), names);
-    QCOMPARE(m_window->saveFileName, m_folder->path() + '/');
+    QCOMPARE(namesIn(m_window->folder()), names);
+    QCOMPARE(m_window->saveFileName, m_window->folder() + '/');
 }
 
 void tst_Saving::typedCircleIsTaken()
@@ -476,7 +448,7 @@ void tst_Saving::withoutPhotographNothingHappens()
     m_window->ui->lineCenterX->setText("7");
     m_window->ui->lineRadius->setText("7");
     m_window->ui->lineSaveFilename->setText("new.jpg");
-    const QStringList names = namesIn(m_folder->path());
+    const QStringList names = namesIn(m_window->folder());
     const MessageCollector collector;
     ModalDriver driver;
     if (byMenu)
@@ -487,13 +459,13 @@ void tst_Saving::withoutPhotographNothingHappens()
     QCOMPARE(m_window->centerX, 48);
     QCOMPARE(m_window->radius, 35);
     QCOMPARE(m_window->saveFileName, path("OV-planet.jpg"));
-    QCOMPARE(namesIn(m_folder->path()), names);
+    QCOMPARE(namesIn(m_window->folder()), names);
     QCOMPARE(collector.messages(), QStringList{"on_btnConvert_clicked"});
 }
 
 void tst_Saving::browseDialog()
 {
-    QVERIFY(QDir(m_folder->path()).mkdir("maps"));
+    QVERIFY(QDir(m_window->folder()).mkdir("maps"));
     m_window->saveFileName = path("maps/earlier.jpg");
     ModalDriver driver;
     driver.expect<QFileDialog>([&](QFileDialog *dialog) {
@@ -527,7 +499,7 @@ void tst_Saving::browseFollowsTheFormat()
 
 void tst_Saving::browsePicksTheTarget()
 {
-    QVERIFY(QDir(m_folder->path()).mkdir("地図"));
+    QVERIFY(QDir(m_window->folder()).mkdir("地図"));
     const QString target = path("地図/世界.jpg");
     ModalDriver driver;
     driver.expect<QFileDialog>([&](QFileDialog *dialog) { pickPath(dialog, target); });
@@ -599,7 +571,7 @@ void tst_Saving::fileSizeLimitKeepsTheOldFile()
     QFETCH(int, bytes);
     m_window->format = format;
     writeFile(path("OV-planet.jpg"), oldContents);
-    const QStringList names = namesIn(m_folder->path());
+    const QStringList names = namesIn(m_window->folder());
     ModalDriver driver;
     driver.expectMessage(overwriteQuestion("OV-planet.jpg", QMessageBox::Yes));
     driver.expectMessage(confirmation(path("OV-planet.jpg")));
@@ -610,7 +582,7 @@ void tst_Saving::fileSizeLimitKeepsTheOldFile()
     }
     QVERIFY(driver.done());
     QCOMPARE(contentsOf(path("OV-planet.jpg")), oldContents);
-    QCOMPARE(namesIn(m_folder->path()), names);
+    QCOMPARE(namesIn(m_window->folder()), names);
 }
 
 void tst_Saving::fullDiskKeepsTheOldFile_data()
@@ -626,7 +598,7 @@ void tst_Saving::fullDiskKeepsTheOldFile()
 {
     QFETCH(int, format);
     QFETCH(QSize, size);
-    QVERIFY(QDir(m_folder->path()).mkdir("disk"));
+    QVERIFY(QDir(m_window->folder()).mkdir("disk"));
     const SmallDisk disk(path("disk"), "64k");
     if (!disk.isMounted())
         qInfo("no small disk can be mounted here: the file lies on the ordinary one, under a size limit");
@@ -656,8 +628,8 @@ void tst_Saving::fullDiskKeepsTheOldFile()
 
 void tst_Saving::folderAsTarget()
 {
-    QVERIFY(QDir(m_folder->path()).mkpath("map.jpg/inside"));
-    const QStringList names = namesIn(m_folder->path());
+    QVERIFY(QDir(m_window->folder()).mkpath("map.jpg/inside"));
+    const QStringList names = namesIn(m_window->folder());
     m_window->ui->lineSaveFilename->setText("map.jpg");
     ModalDriver driver;
     driver.expectMessage(overwriteQuestion("map.jpg", QMessageBox::Yes));
@@ -665,13 +637,13 @@ void tst_Saving::folderAsTarget()
     clickConvert();
     QVERIFY(driver.done());
     QVERIFY(QFileInfo(path("map.jpg/inside")).isDir());
-    QCOMPARE(namesIn(m_folder->path()), names);
+    QCOMPARE(namesIn(m_window->folder()), names);
 }
 
 void tst_Saving::missingFolder()
 {
     save("not/there/map.jpg");
-    QCOMPARE(namesIn(m_folder->path()), QStringList{"planet.png"});
+    QCOMPARE(namesIn(m_window->folder()), QStringList{"planet.png"});
 }
 
 void tst_Saving::permissions_data()
@@ -694,12 +666,12 @@ void tst_Saving::permissions()
     const bool oldFile = fileMode != 0;
     const QString folder = path("folder");
     const QString file = folder + "/map.jpg";
-    QVERIFY(QDir(m_folder->path()).mkdir("folder"));
-    OrdinaryUser::own(folder);
-    OrdinaryUser::own(m_folder->path());
+    QVERIFY(QDir(m_window->folder()).mkdir("folder"));
+    handOver({folder});
+    handOver({m_window->folder()});
     if (oldFile) {
         writeFile(file, oldContents);
-        OrdinaryUser::own(file);
+        handOver({file});
         changeMode(file, fileMode);
     }
     changeMode(folder, folderMode);
@@ -719,14 +691,14 @@ void tst_Saving::permissions()
     changeMode(folder, 0755); // so that it can be removed
     QCOMPARE(namesIn(folder), names);
     const QByteArray expected = encoded(referenceMap(*m_window), "jpg", m_window->quality);
-    QCOMPARE(contentsOf(file), written ? expected : oldFile ? oldContents : QByteArray());
+    QCOMPARE(contentsOf(file), written ? expected : oldFile ? oldContents : contentsOf(path("nowhere")));
 }
 
 // An empty path has an empty directory part, so the typed name goes to the root folder; nobody may write
 // there.
 void tst_Saving::emptySavePathMeansTheRoot()
 {
-    const QString name = "ovmic-test-" + QFileInfo(m_folder->path()).fileName() + ".jpg";
+    const QString name = "ovmic-test-" + QFileInfo(m_window->folder()).fileName() + ".jpg";
     m_window->saveFileName.clear();
     m_window->ui->lineSaveFilename->setText(name);
     ModalDriver driver;

@@ -1,6 +1,7 @@
+#include "faults.h"
+#include "files.h"
 #include "messagecollector.h"
 #include "modaldriver.h"
-#include "restraints.h"
 #include "settingsdump.h"
 
 #include <QFile>
@@ -100,29 +101,6 @@ QStringList defaultsBut(const QString &key, const QString &value)
             setting = key + '=' + value;
     }
     return settings;
-}
-
-QByteArray contentsOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeFile(const QString &path, const QByteArray &contents)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
-        qFatal("cannot write %s", qPrintable(path));
-}
-
-/// The value that the lines of an ini file have for a key.
-QByteArray valueIn(const QByteArray &file, const QByteArray &key)
-{
-    for (const QByteArray &line : file.split('\n')) {
-        if (line.startsWith(key + '='))
-            return line.mid(key.size() + 1);
-    }
-    return "no such key";
 }
 
 } // namespace
@@ -459,7 +437,7 @@ void tst_Settings::obstaclesGiveDefaults()
         QVERIFY(QDir().mkdir(file));
     } else if (obstacle == "permission") {
         writeFile(file, "[General]\nPenSize=9\n");
-        OrdinaryUser::own(file);
+        handOver({file});
         QVERIFY(QFile::setPermissions(file, {}));
     } else if (obstacle == "link") {
         QVERIFY(QFile::link(path("nowhere"), file));
@@ -473,7 +451,7 @@ void tst_Settings::obstaclesGiveDefaults()
             noise.append(static_cast<char>(value >> 16));
         writeFile(file, noise);
     }
-    OrdinaryUser::own(m_folder->path());
+    handOver({m_folder->path()});
     const OrdinaryUser user;
     ModalDriver driver; // nothing is reported
     m_window->readShowString();
@@ -713,9 +691,9 @@ void tst_Settings::readOnlyFolderKeepsTheOldFile()
     m_window->readShowString();
     m_window->saveSetting();
     const QByteArray before = contentsOf(m_window->settingFile);
-    OrdinaryUser::own(m_folder->path());
-    OrdinaryUser::own(path("folder"));
-    OrdinaryUser::own(m_window->settingFile);
+    handOver({m_folder->path()});
+    handOver({path("folder")});
+    handOver({m_window->settingFile});
     const QFileDevice::Permissions enter = QFileDevice::ReadOwner | QFileDevice::ExeOwner;
     QVERIFY(QFile::setPermissions(path("folder"), enter));
     m_window->penSize = 9;
@@ -734,8 +712,8 @@ void tst_Settings::readOnlyFolderKeepsTheOldFile()
 void tst_Settings::unreadableFileIsKept()
 {
     writeFile(m_window->settingFile, "[General]\nMine=1\n");
-    OrdinaryUser::own(m_folder->path());
-    OrdinaryUser::own(m_window->settingFile);
+    handOver({m_folder->path()});
+    handOver({m_window->settingFile});
     QVERIFY(QFile::setPermissions(m_window->settingFile, QFileDevice::WriteOwner));
     {
         const OrdinaryUser user;

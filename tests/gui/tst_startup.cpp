@@ -1,9 +1,8 @@
+#include "freshwindow.h"
 #include "messagecollector.h"
 #include "previewwindow.h"
-#include "testwindow.h"
 
 #include <QMetaMethod>
-#include <QTemporaryDir>
 #include <QTimer>
 
 namespace
@@ -80,16 +79,12 @@ private slots:
     void hiddenWindowStaysUnattended();
 
 private:
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<TestWindow> m_window;
+    std::unique_ptr<InstalledWindow> m_window;
 };
 
 void tst_Startup::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_window = std::make_unique<TestWindow>();
-    m_window->settingFile = m_folder->filePath("tool.ini");
-    m_window->langFile = m_folder->filePath("tool_lang.ini");
+    m_window = std::make_unique<InstalledWindow>();
 }
 
 void tst_Startup::cleanup()
@@ -301,7 +296,7 @@ void tst_Startup::passStopsItsTimer()
 
 void tst_Startup::passLoadsTheLastPhotograph()
 {
-    const QString path = m_folder->filePath("写真.png");
+    const QString path = m_window->filePath("写真.png");
     QImage picture(40, 30, QImage::Format_RGB32);
     picture.fill(Qt::blue);
     QVERIFY(picture.save(path));
@@ -310,7 +305,7 @@ void tst_Startup::passLoadsTheLastPhotograph()
     m_window->show();
     m_window->slot("timeout");
     QCOMPARE(m_window->image.size(), QSize(40, 30));
-    QCOMPARE(m_window->saveFileName, m_folder->filePath("OV-写真.jpg"));
+    QCOMPARE(m_window->saveFileName, m_window->filePath("OV-写真.jpg"));
 }
 
 void tst_Startup::hiddenWindowStaysUnattended()

@@ -1,10 +1,9 @@
+#include "faults.h"
+#include "freshwindow.h"
 #include "modaldriver.h"
 #include "previewwindow.h"
-#include "restraints.h"
-#include "testwindow.h"
 
 #include <QFile>
-#include <QTemporaryDir>
 
 #include <functional>
 
@@ -150,16 +149,12 @@ private:
     void writeLanguageFile(const QByteArray &contents) const;
     void compareWithBuiltIn() const;
 
-    std::unique_ptr<QTemporaryDir> m_folder;
-    std::unique_ptr<TestWindow> m_window;
+    std::unique_ptr<InstalledWindow> m_window;
 };
 
 void tst_Texts::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_window = std::make_unique<TestWindow>();
-    m_window->settingFile = m_folder->filePath("tool.ini");
-    m_window->langFile = m_folder->filePath("tool_lang.ini");
+    m_window = std::make_unique<InstalledWindow>();
 }
 
 void tst_Texts::cleanup()
@@ -441,9 +436,9 @@ void tst_Texts::unreadableFileGivesBuiltInTexts()
     } else if (obstacle == "permission") {
         writeLanguageFile("[main]\n" + everyKeyReplaced());
         QVERIFY(QFile::setPermissions(m_window->langFile, {}));
-        OrdinaryUser::own(m_window->langFile);
+        handOver({m_window->langFile});
     } else if (obstacle == "link") {
-        QVERIFY(QFile::link(m_folder->filePath("nowhere"), m_window->langFile));
+        QVERIFY(QFile::link(m_window->filePath("nowhere"), m_window->langFile));
     } else if (obstacle == "noise") {
         QByteArray noise;
         for (unsigned i = 0, value = 1; i < 100000; ++i, value = value * 1103515245 + 12345)
@@ -453,7 +448,7 @@ void tst_Texts::unreadableFileGivesBuiltInTexts()
         const QString text = QString::fromUtf8("[main]\n" + everyKeyReplaced());
         writeLanguageFile(QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
     }
-    OrdinaryUser::own(m_folder->path());
+    handOver({m_window->folder()});
     {
         const OrdinaryUser user;
         ModalDriver driver; // nothing is reported
