@@ -70,7 +70,7 @@ QImage globeStage()
     return map;
 }
 
-QImage shifted(QImage map, int toTheRight)
+QImage shifted(const QImage &map, int toTheRight)
 {
     QImage result = canvas(map.size());
     for (int y = 0; y < map.height(); ++y) {
@@ -423,7 +423,7 @@ private:
     rlimit m_before{};
 };
 
-constexpr rlim_t mebibyte = 1024 * 1024;
+constexpr rlim_t mebibyte = rlim_t{1024} * 1024;
 
 } // namespace
 

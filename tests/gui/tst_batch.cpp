@@ -256,7 +256,7 @@ void tst_Batch::sortedByTimeNewestFirst()
     m_window->sortType = 1;
     const QStringList paths{photograph("old.png"), photograph("newest.png"), photograph("middle.png")};
     const QDateTime now = QDateTime::currentDateTimeUtc();
-    const int age[] = {300, 0, 60};
+    const QVector<int> age{300, 0, 60}; // seconds
     for (int i = 0; i < paths.size(); ++i) {
         QFile file(paths.at(i));
         QVERIFY(file.open(QIODevice::ReadWrite));

@@ -3,7 +3,9 @@
 #include <QFile>
 #include <QFileInfo>
 
-ProgramFolder::ProgramFolder(const QString &programName) : m_programName(programName)
+#include <utility>
+
+ProgramFolder::ProgramFolder(QString programName) : m_programName(std::move(programName))
 {
     if (!QFile::copy(QStringLiteral(OVMIC_PROGRAM), program()))
         qFatal("cannot copy the program to %s", qPrintable(program()));

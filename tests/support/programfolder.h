@@ -12,7 +12,7 @@ class ProgramFolder
 {
 public:
     /// @param programName  file name of the copy; the settings file is named after it, up to its first dot
-    explicit ProgramFolder(const QString &programName = QStringLiteral("ovmic"));
+    explicit ProgramFolder(QString programName = QStringLiteral("ovmic"));
 
     QString filePath(const QString &name) const;
     QString program() const;
