@@ -1,8 +1,9 @@
 #pragma once
 
+#include "previewwindow.h"
 #include "testwindow.h"
 
-#include <QFileInfo>
+#include <QLabel>
 #include <QPainter>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -102,6 +103,12 @@ inline char *toString(const SelectionCircle &circle)
 inline SelectionCircle circleOf(const TestWindow &window)
 {
     return {window.centerX, window.centerY, window.radius};
+}
+
+/// The map in the preview window; null while there is none.
+inline QImage shownMap(const TestWindow &window)
+{
+    return window.previewWindow->findChild<QLabel *>("label2")->pixmap(Qt::ReturnByValue).toImage();
 }
 
 /// A photograph in which every pixel has a colour of its own, up to 256 x 256 of them, so that no wrong sample

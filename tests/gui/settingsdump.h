@@ -66,3 +66,33 @@ inline QString settingIn(const QStringList &settings, const QString &key)
     const QStringList found = settings.filter(QRegularExpression('^' + key + '='));
     return found.size() == 1 ? found.first().mid(key.size() + 1) : QString();
 }
+
+/// What a key is when the file does not have it. Doubles by their values, see settingsOf().
+inline const QStringList defaultSettings{
+    "Geometry=655 x 606 at 0, 0",
+    "PreviewGeometry=640 x 480 at 0, 0",
+    "PreviewWindow=false",
+    "AutoPreview=false",
+    "AutoSize=true",
+    "PenSize=3",
+    "PenColor=#ffff0000",
+    "CenterX=0",
+    "CenterY=0",
+    "Radius=0",
+    "Distance=" + bits(100.0),
+    "OutputSizeX=2048",
+    "OutputSizeY=1024",
+    "LoadFileName=",
+    "SaveFileName=",
+    "InputFolder=",
+    "OutputFolder=",
+    "InputFileSortType=0",
+    "OutputFileNameType=0",
+    "OutputFormat=0",
+    "OutputQuality=85",
+    "Latitude=" + bits(0.0),
+    "Longitude=" + bits(0.0),
+    "Azimuth=" + bits(0.0),
+    "Overwrite=true",
+    "OpenFiler=true",
+};

@@ -89,7 +89,7 @@ QImage tst_HostileValues::previewed()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     m_window->previewWindow->grab();
-    return m_window->previewWindow->findChild<QLabel *>("label2")->pixmap(Qt::ReturnByValue).toImage();
+    return shownMap(*m_window);
 }
 
 void tst_HostileValues::circle_data()

@@ -26,11 +26,6 @@ QImage mapOf(const TestWindow &window)
     return convertToMap(window.image, parametersOf(window));
 }
 
-QImage shownMap(const TestWindow &window)
-{
-    return window.previewWindow->findChild<QLabel *>("label2")->pixmap(Qt::ReturnByValue).toImage();
-}
-
 /// Does something from an event that the next conversion handles.
 class InTheMiddle
 {

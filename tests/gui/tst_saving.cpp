@@ -1,59 +1,13 @@
-#include "faults.h"
 #include "files.h"
-#include "freshwindow.h"
 #include "imagecompare.h"
 #include "messagecollector.h"
-#include "modaldriver.h"
 #include "previewwindow.h"
 #include "referencemap.h"
+#include "savingwindow.h"
 
-#include <QBuffer>
 #include <QFile>
 #include <QFileDialog>
 #include <QImageReader>
-#include <QImageWriter>
-
-#include <sys/stat.h>
-
-namespace
-{
-
-const QString caption = "画像変換";
-const QString question = " は既にファイルが存在します。\nファイルを上書きしますか？\n"
-                         "（上書する前のファイルには戻せません）";
-const QByteArray oldContents = "the old file";
-
-ModalDriver::Message overwriteQuestion(const QString &name, QMessageBox::StandardButton answer)
-{
-    return {caption, name + question, QMessageBox::Warning, QMessageBox::Yes | QMessageBox::No,
-            answer,  QMessageBox::No};
-}
-
-ModalDriver::Message confirmation(const QString &path)
-{
-    return {caption,
-            path + " へ保存されました",
-            QMessageBox::Information,
-            QMessageBox::Ok,
-            QMessageBox::Ok,
-            QMessageBox::Ok};
-}
-
-void changeMode(const QString &path, int mode)
-{
-    if (chmod(QFile::encodeName(path).constData(), static_cast<mode_t>(mode)) != 0)
-        qFatal("cannot change the mode of %s", qPrintable(path));
-}
-
-QByteArray encoded(const QImage &map, const char *format, int quality)
-{
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    map.save(&buffer, format, quality);
-    return buffer.data();
-}
-
-} // namespace
 
 class tst_Saving : public QObject
 {
@@ -96,51 +50,22 @@ private slots:
     void browseOverAnExistingFile();
     void browseCancelled();
 
-    void fileSizeLimitKeepsTheOldFile_data();
-    void fileSizeLimitKeepsTheOldFile();
-    void fullDiskKeepsTheOldFile_data();
-    void fullDiskKeepsTheOldFile();
-    void folderAsTarget();
-    void missingFolder();
-    void permissions_data();
-    void permissions();
-    void emptySavePathMeansTheRoot();
-    void mapWithoutPixelsWritesNothing_data();
-    void mapWithoutPixelsWritesNothing();
-
 private:
-    void clickConvert();
     void save(const QString &name);
     QString path(const QString &name) const { return m_window->filePath(name); }
 
-    std::unique_ptr<FreshWindow> m_window;
+    std::unique_ptr<SavingWindow> m_window;
 };
 
 void tst_Saving::init()
 {
-    m_window = std::make_unique<FreshWindow>();
-    m_window->open(colourfulPhotograph(), "planet.png");
+    m_window = std::make_unique<SavingWindow>();
     QVERIFY(!m_window->image.isNull());
 }
 
 void tst_Saving::cleanup()
 {
     m_window.reset();
-}
-
-void tst_Saving::clickConvert()
-{
-    QTest::mouseClick(m_window->ui->btnConvert, Qt::LeftButton);
-}
-
-// Types a name that no file has yet, and converts.
-void tst_Saving::save(const QString &name)
-{
-    m_window->ui->lineSaveFilename->setText(name);
-    ModalDriver driver;
-    driver.expectMessage(confirmation(path(name)));
-    clickConvert();
-    QVERIFY(driver.done());
 }
 
 void tst_Saving::formatDecidesTheContents_data()
@@ -159,7 +84,7 @@ void tst_Saving::formatDecidesTheContents()
     QFETCH(int, format);
     m_window->format = format;
     for (const QString name : {"map.jpg", "map.png", "map.txt", "map"}) {
-        save(name);
+        m_window->save(name);
         QTEST(QImageReader::imageFormat(path(name)), "contents");
     }
 }
@@ -192,12 +117,12 @@ void tst_Saving::mapIsThatOfTheReference()
     QCOMPARE(expected.size(), QSize(64, 32));
 
     m_window->format = 1;
-    save("map.png");
+    m_window->save("map.png");
     COMPARE_IMAGES(QImage(path("map.png")), expected);
 
     m_window->format = 0;
     m_window->quality = 90;
-    save("map.jpg");
+    m_window->save("map.jpg");
     COMPARE_IMAGES(QImage(path("map.jpg")), QImage::fromData(encoded(expected, "jpg", 90)));
 }
 
@@ -207,10 +132,10 @@ void tst_Saving::unpaintedAreaIsTransparentInPngAndBlackInJpeg()
     m_window->longitude = -90.0;
     m_window->quality = 100;
     m_window->format = 1;
-    save("map.png");
+    m_window->save("map.png");
     QCOMPARE(QImage(path("map.png")).pixelColor(30, 30), QColor(0, 0, 0, 0));
     m_window->format = 0;
-    save("map.jpg");
+    m_window->save("map.jpg");
     QCOMPARE(QImage(path("map.jpg")).pixelColor(30, 30), QColor(0, 0, 0, 255));
 }
 
@@ -232,7 +157,7 @@ void tst_Saving::qualityIsPassedForBothFormats()
     QFETCH(int, quality);
     m_window->format = format;
     m_window->quality = quality;
-    save("map");
+    m_window->save("map");
     const QImage expected = referenceMap(*m_window);
     QCOMPARE(contentsOf(path("map")), encoded(expected, format == 1 ? "png" : "jpg", quality));
     if (format == 1 && quality == 100) // stored, not compressed
@@ -261,7 +186,7 @@ void tst_Saving::decliningKeepsTheOldFile()
         driver.expectMessage(overwriteQuestion("OV-planet.jpg", QMessageBox::StandardButton(button)));
     else
         driver.expect<QMessageBox>([key](QMessageBox *box) { QTest::keyClick(box, Qt::Key(key)); });
-    clickConvert();
+    m_window->clickConvert();
     QVERIFY(driver.done());
     QCOMPARE(contentsOf(path("OV-planet.jpg")), oldContents);
     QCOMPARE(namesIn(m_window->folder()), names);
@@ -278,7 +203,7 @@ void tst_Saving::decliningStoresTheNewPath()
         QCOMPARE(m_window->saveFileName, path("other.jpg")); // before the answer
         box->button(QMessageBox::No)->click();
     });
-    clickConvert();
+    m_window->clickConvert();
     QVERIFY(driver.done());
     QCOMPARE(m_window->saveFileName, path("other.jpg"));
     m_window->close();
@@ -291,14 +216,14 @@ void tst_Saving::acceptingReplacesTheOldFile()
     ModalDriver driver;
     driver.expectMessage(overwriteQuestion("OV-planet.jpg", QMessageBox::Yes));
     driver.expectMessage(confirmation(path("OV-planet.jpg")));
-    clickConvert();
+    m_window->clickConvert();
     QVERIFY(driver.done());
     QCOMPARE(contentsOf(path("OV-planet.jpg")), encoded(referenceMap(*m_window), "jpg", m_window->quality));
 }
 
 void tst_Saving::noQuestionWithoutAnOldFile()
 {
-    save("OV-planet.jpg");
+    m_window->save("OV-planet.jpg");
     QCOMPARE(namesIn(m_window->folder()), (QStringList{"OV-planet.jpg", "planet.png"}));
 }
 
@@ -315,7 +240,7 @@ void tst_Saving::boxesCarryTheButtonsCurrentText()
     ModalDriver::Message confirmed = confirmation(path("OV-planet.jpg"));
     confirmed.title = "Gone";
     driver.expectMessage(confirmed);
-    clickConvert();
+    m_window->clickConvert();
     QVERIFY(driver.done());
 }
 
@@ -332,7 +257,7 @@ void tst_Saving::boxesCarryTheTextsOfTheLanguageFile()
     driver.expectMessage({"Convert", "OV-planet.jpg is there.\nReplace?", QMessageBox::Warning,
                           QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes, QMessageBox::No});
     driver.expectMessage({"Convert", path("OV-planet.jpg") + " is saved"});
-    clickConvert();
+    m_window->clickConvert();
     QVERIFY(driver.done());
 }
 
@@ -353,14 +278,14 @@ void tst_Saving::typedName()
     QFETCH(QString, name);
     QVERIFY(QDir(m_window->folder()).mkdir("sub"));
     m_window->format = 1;
-    save(name);
+    m_window->save(name);
     QCOMPARE(m_window->saveFileName, path(name));
     COMPARE_IMAGES(QImage(path(name)), referenceMap(*m_window));
     // The second time the file is there.
     if (!name.contains("sub/")) {
         ModalDriver driver;
         driver.expectMessage(overwriteQuestion(name, QMessageBox::No));
-        clickConvert();
+        m_window->clickConvert();
         QVERIFY(driver.done());
     }
 }
@@ -369,11 +294,11 @@ void tst_Saving::typedName()
 void tst_Saving::typedFolderBelongsToTheNextSave()
 {
     QVERIFY(QDir(m_window->folder()).mkpath("sub/sub"));
-    save("sub/map.jpg");
+    m_window->save("sub/map.jpg");
     QVERIFY(QFile::exists(path("sub/map.jpg")));
     ModalDriver driver;
     driver.expectMessage(confirmation(path("sub/sub/map.jpg")));
-    clickConvert();
+    m_window->clickConvert();
     QVERIFY(driver.done());
     QVERIFY(QFile::exists(path("sub/sub/map.jpg")));
     QCOMPARE(m_window->saveFileName, path("sub/sub/map.jpg"));
@@ -386,7 +311,7 @@ void tst_Saving::emptyNameMeansTheFolder()
     ModalDriver driver;
     driver.expectMessage(overwriteQuestion("", QMessageBox::Yes));
     driver.expectMessage(confirmation(m_window->folder() + '/'));
-    clickConvert();
+    m_window->clickConvert();
     QVERIFY(driver.done());
     QCOMPARE(namesIn(m_window->folder()), names);
     QCOMPARE(m_window->saveFileName, m_window->folder() + '/');
@@ -398,7 +323,7 @@ void tst_Saving::typedCircleIsTaken()
     m_window->ui->lineCenterX->setText("40");
     m_window->ui->lineCenterY->setText(" 30 ");
     m_window->ui->lineRadius->setText("21");
-    save("typed.png");
+    m_window->save("typed.png");
     QCOMPARE(m_window->centerX, 40);
     QCOMPARE(m_window->centerY, 30);
     QCOMPARE(m_window->radius, 21);
@@ -407,7 +332,7 @@ void tst_Saving::typedCircleIsTaken()
     m_window->ui->lineCenterX->setText("forty");
     m_window->ui->lineCenterY->setText("");
     m_window->ui->lineRadius->setText("99999999999");
-    save("zero.png");
+    m_window->save("zero.png");
     QCOMPARE(m_window->centerX, 0);
     QCOMPARE(m_window->centerY, 0);
     QCOMPARE(m_window->radius, 0);
@@ -418,10 +343,10 @@ void tst_Saving::typedCircleIsTaken()
 void tst_Saving::savingFeedsTheVisiblePreview()
 {
     auto *shown = m_window->previewWindow->findChild<QLabel *>("label2");
-    save("hidden.jpg");
+    m_window->save("hidden.jpg");
     QVERIFY(shown->pixmap(Qt::ReturnByValue).isNull());
     m_window->previewWindow->show();
-    save("visible.jpg");
+    m_window->save("visible.jpg");
     COMPARE_IMAGES(shown->pixmap(Qt::ReturnByValue).toImage(), referenceMap(*m_window));
 }
 
@@ -454,7 +379,7 @@ void tst_Saving::withoutPhotographNothingHappens()
     if (byMenu)
         m_window->ui->actionConvert_Save->trigger();
     else
-        clickConvert();
+        m_window->clickConvert();
     QVERIFY(driver.done());
     QCOMPARE(m_window->centerX, 48);
     QCOMPARE(m_window->radius, 35);
@@ -511,7 +436,7 @@ void tst_Saving::browsePicksTheTarget()
     QVERIFY(!QFile::exists(target)); // choosing writes nothing
 
     driver.expectMessage(confirmation(target));
-    clickConvert();
+    m_window->clickConvert();
     QVERIFY(driver.done());
     QCOMPARE(QImageReader::imageFormat(target), QByteArray("jpeg"));
 }
@@ -537,7 +462,7 @@ void tst_Saving::browseOverAnExistingFile()
     QVERIFY(driver.done());
     QCOMPARE(contentsOf(path("there.jpg")), oldContents);
     driver.expectMessage(overwriteQuestion("there.jpg", QMessageBox::No));
-    clickConvert();
+    m_window->clickConvert();
     QVERIFY(driver.done());
     QCOMPARE(contentsOf(path("there.jpg")), oldContents);
 }
@@ -553,187 +478,6 @@ void tst_Saving::browseCancelled()
     QCOMPARE(m_window->saveFileName, path("OV-planet.jpg"));
     QCOMPARE(m_window->ui->lineSaveFilename->text(), QString("typed.jpg"));
     QCOMPARE(m_window->ui->lineSaveFilename->toolTip(), toolTip);
-}
-
-void tst_Saving::fileSizeLimitKeepsTheOldFile_data()
-{
-    QTest::addColumn<int>("format");
-    QTest::addColumn<int>("bytes");
-    for (const int bytes : {0, 1, 500}) {
-        QTest::addRow("JPEG, %d bytes fit", bytes) << 0 << bytes;
-        QTest::addRow("PNG, %d bytes fit", bytes) << 1 << bytes;
-    }
-}
-
-void tst_Saving::fileSizeLimitKeepsTheOldFile()
-{
-    QFETCH(int, format);
-    QFETCH(int, bytes);
-    m_window->format = format;
-    writeFile(path("OV-planet.jpg"), oldContents);
-    const QStringList names = namesIn(m_window->folder());
-    ModalDriver driver;
-    driver.expectMessage(overwriteQuestion("OV-planet.jpg", QMessageBox::Yes));
-    driver.expectMessage(confirmation(path("OV-planet.jpg")));
-    {
-        const MessageCollector collector; // the log may be a file too
-        const FileSizeLimit limit(static_cast<rlim_t>(bytes));
-        clickConvert();
-    }
-    QVERIFY(driver.done());
-    QCOMPARE(contentsOf(path("OV-planet.jpg")), oldContents);
-    QCOMPARE(namesIn(m_window->folder()), names);
-}
-
-void tst_Saving::fullDiskKeepsTheOldFile_data()
-{
-    QTest::addColumn<int>("format");
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("JPEG smaller than a buffer") << 0 << QSize(64, 32);
-    QTest::newRow("PNG smaller than a buffer") << 1 << QSize(64, 32);
-    QTest::newRow("PNG larger than the disk") << 1 << QSize(512, 256);
-}
-
-void tst_Saving::fullDiskKeepsTheOldFile()
-{
-    QFETCH(int, format);
-    QFETCH(QSize, size);
-    QVERIFY(QDir(m_window->folder()).mkdir("disk"));
-    const SmallDisk disk(path("disk"), "64k");
-    if (!disk.isMounted())
-        qInfo("no small disk can be mounted here: the file lies on the ordinary one, under a size limit");
-    writeFile(path("disk/map"), oldContents);
-    std::unique_ptr<FileSizeLimit> limit;
-    if (disk.isMounted())
-        disk.fill();
-    else
-        limit = std::make_unique<FileSizeLimit>(100);
-    const QStringList names = namesIn(path("disk"));
-
-    m_window->format = format;
-    m_window->quality = 100;
-    m_window->outputSizeX = size.width();
-    m_window->outputSizeY = size.height();
-    m_window->saveFileName = path("disk/any");
-    m_window->ui->lineSaveFilename->setText("map");
-    ModalDriver driver;
-    driver.expectMessage(overwriteQuestion("map", QMessageBox::Yes));
-    driver.expectMessage(confirmation(path("disk/map")));
-    clickConvert();
-    limit.reset();
-    QVERIFY(driver.done());
-    QCOMPARE(contentsOf(path("disk/map")), oldContents);
-    QCOMPARE(namesIn(path("disk")), names);
-}
-
-void tst_Saving::folderAsTarget()
-{
-    QVERIFY(QDir(m_window->folder()).mkpath("map.jpg/inside"));
-    const QStringList names = namesIn(m_window->folder());
-    m_window->ui->lineSaveFilename->setText("map.jpg");
-    ModalDriver driver;
-    driver.expectMessage(overwriteQuestion("map.jpg", QMessageBox::Yes));
-    driver.expectMessage(confirmation(path("map.jpg")));
-    clickConvert();
-    QVERIFY(driver.done());
-    QVERIFY(QFileInfo(path("map.jpg/inside")).isDir());
-    QCOMPARE(namesIn(m_window->folder()), names);
-}
-
-void tst_Saving::missingFolder()
-{
-    save("not/there/map.jpg");
-    QCOMPARE(namesIn(m_window->folder()), QStringList{"planet.png"});
-}
-
-void tst_Saving::permissions_data()
-{
-    QTest::addColumn<int>("fileMode");
-    QTest::addColumn<int>("folderMode");
-    QTest::addColumn<bool>("written");
-    QTest::newRow("new file, the folder is read-only") << 0 << 0555 << false;
-    QTest::newRow("both are read-only") << 0444 << 0555 << false;
-    QTest::newRow("the file is read-only") << 0444 << 0755 << false;
-    QTest::newRow("the folder is read-only") << 0644 << 0555 << true;
-    QTest::newRow("both are writable") << 0644 << 0755 << true;
-}
-
-void tst_Saving::permissions()
-{
-    QFETCH(int, fileMode);
-    QFETCH(int, folderMode);
-    QFETCH(bool, written);
-    const bool oldFile = fileMode != 0;
-    const QString folder = path("folder");
-    const QString file = folder + "/map.jpg";
-    QVERIFY(QDir(m_window->folder()).mkdir("folder"));
-    handOver({folder});
-    handOver({m_window->folder()});
-    if (oldFile) {
-        writeFile(file, oldContents);
-        handOver({file});
-        changeMode(file, fileMode);
-    }
-    changeMode(folder, folderMode);
-    const QStringList names = namesIn(folder);
-
-    m_window->saveFileName = folder + "/any";
-    m_window->ui->lineSaveFilename->setText("map.jpg");
-    ModalDriver driver;
-    if (oldFile)
-        driver.expectMessage(overwriteQuestion("map.jpg", QMessageBox::Yes));
-    driver.expectMessage(confirmation(file));
-    {
-        const OrdinaryUser user;
-        clickConvert();
-    }
-    QVERIFY(driver.done());
-    changeMode(folder, 0755); // so that it can be removed
-    QCOMPARE(namesIn(folder), names);
-    const QByteArray expected = encoded(referenceMap(*m_window), "jpg", m_window->quality);
-    QCOMPARE(contentsOf(file), written ? expected : oldFile ? oldContents : contentsOf(path("nowhere")));
-}
-
-// An empty path has an empty directory part, so the typed name goes to the root folder; nobody may write
-// there.
-void tst_Saving::emptySavePathMeansTheRoot()
-{
-    const QString name = "ovmic-test-" + QFileInfo(m_window->folder()).fileName() + ".jpg";
-    m_window->saveFileName.clear();
-    m_window->ui->lineSaveFilename->setText(name);
-    ModalDriver driver;
-    driver.expectMessage(confirmation('/' + name));
-    {
-        const OrdinaryUser user;
-        clickConvert();
-    }
-    QVERIFY(driver.done());
-    QCOMPARE(m_window->saveFileName, '/' + name);
-    QVERIFY(!QFile::exists('/' + name));
-}
-
-void tst_Saving::mapWithoutPixelsWritesNothing_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("0 x 0") << QSize(0, 0);
-    QTest::newRow("no width") << QSize(0, 32);
-    QTest::newRow("no height") << QSize(64, 0);
-    QTest::newRow("negative") << QSize(-64, -32);
-    QTest::newRow("more pixels than an image can hold") << QSize(2147483647, 2147483647);
-}
-
-void tst_Saving::mapWithoutPixelsWritesNothing()
-{
-    QFETCH(QSize, size);
-    m_window->outputSizeX = size.width();
-    m_window->outputSizeY = size.height();
-    writeFile(path("OV-planet.jpg"), oldContents);
-    ModalDriver driver;
-    driver.expectMessage(overwriteQuestion("OV-planet.jpg", QMessageBox::Yes));
-    driver.expectMessage(confirmation(path("OV-planet.jpg")));
-    clickConvert();
-    QVERIFY(driver.done());
-    QCOMPARE(contentsOf(path("OV-planet.jpg")), oldContents);
 }
 
 WINDOW_TEST_MAIN(tst_Saving)

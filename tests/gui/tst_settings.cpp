@@ -1,47 +1,15 @@
 #include "faults.h"
-#include "files.h"
 #include "messagecollector.h"
 #include "modaldriver.h"
-#include "settingsdump.h"
+#include "settingsfolder.h"
 
 #include <QFile>
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 #include <limits>
 
 namespace
 {
-
-/// What a key is when the file does not have it. Doubles by their values, see settingsOf().
-const QStringList defaults{
-    "Geometry=655 x 606 at 0, 0",
-    "PreviewGeometry=640 x 480 at 0, 0",
-    "PreviewWindow=false",
-    "AutoPreview=false",
-    "AutoSize=true",
-    "PenSize=3",
-    "PenColor=#ffff0000",
-    "CenterX=0",
-    "CenterY=0",
-    "Radius=0",
-    "Distance=" + bits(100.0),
-    "OutputSizeX=2048",
-    "OutputSizeY=1024",
-    "LoadFileName=",
-    "SaveFileName=",
-    "InputFolder=",
-    "OutputFolder=",
-    "InputFileSortType=0",
-    "OutputFileNameType=0",
-    "OutputFormat=0",
-    "OutputQuality=85",
-    "Latitude=" + bits(0.0),
-    "Longitude=" + bits(0.0),
-    "Azimuth=" + bits(0.0),
-    "Overwrite=true",
-    "OpenFiler=true",
-};
 
 const QStringList flags{"PreviewWindow", "AutoPreview", "AutoSize", "Overwrite", "OpenFiler"};
 const QStringList numbers{"PenSize",      "CenterX",      "CenterY",           "Radius",
@@ -95,7 +63,7 @@ QByteArray byteArray(const QByteArray &bytes)
 
 QStringList defaultsBut(const QString &key, const QString &value)
 {
-    QStringList settings = defaults;
+    QStringList settings = defaultSettings;
     for (QString &setting : settings) {
         if (setting.startsWith(key + '='))
             setting = key + '=' + value;
@@ -132,41 +100,20 @@ private slots:
     void hugeFile_data();
     void hugeFile();
 
-    void onlyClosingWrites();
-    void closingHiddenWrites();
-    void fileNamesArePlainText_data();
-    void fileNamesArePlainText();
-    void valuesComeBack_data();
-    void valuesComeBack();
-    void keysInTheFile();
-    void unknownKeysStay();
-    void previewFlagIsItsVisibility_data();
-    void previewFlagIsItsVisibility();
-    void invalidColourIsSavedAsBlack();
-
-    void oldFileSurvivesAFullDisk_data();
-    void oldFileSurvivesAFullDisk();
-    void oldFileSurvivesASizeLimit();
-    void readOnlyFolderKeepsTheOldFile();
-    void unreadableFileIsKept();
-
     void reloadedPhotographProposesItsName();
     void lostPhotographIsForgotten();
 
 private:
     QString path(const QString &name) const { return m_folder->filePath(name); }
-    std::unique_ptr<TestWindow> freshWindow() const;
-    QStringList loaded(const QByteArray &contents) const;
-    QByteArray saved(TestWindow &window) const;
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    std::unique_ptr<SettingsFolder> m_folder;
     std::unique_ptr<TestWindow> m_window;
 };
 
 void tst_Settings::init()
 {
-    m_folder = std::make_unique<QTemporaryDir>();
-    m_window = freshWindow();
+    m_folder = std::make_unique<SettingsFolder>();
+    m_window = m_folder->window();
 }
 
 void tst_Settings::cleanup()
@@ -174,49 +121,25 @@ void tst_Settings::cleanup()
     m_window.reset();
 }
 
-std::unique_ptr<TestWindow> tst_Settings::freshWindow() const
-{
-    auto window = std::make_unique<TestWindow>();
-    window->settingFile = path("tool.ini");
-    window->langFile = path("tool_lang.ini");
-    window->startTimer->stop();
-    return window;
-}
-
-// What a fresh window holds after it has read a settings file with these contents.
-QStringList tst_Settings::loaded(const QByteArray &contents) const
-{
-    writeFile(path("tool.ini"), contents);
-    const auto window = freshWindow();
-    window->readShowString();
-    return settingsOf(*window);
-}
-
-QByteArray tst_Settings::saved(TestWindow &window) const
-{
-    window.close();
-    return contentsOf(window.settingFile);
-}
-
 void tst_Settings::withoutFileEverythingIsDefault()
 {
     m_window->readShowString();
-    QCOMPARE(settingsOf(*m_window), defaults);
-    QCOMPARE(loaded(""), defaults);
-    QCOMPARE(loaded("[General]\n"), defaults);
+    QCOMPARE(settingsOf(*m_window), defaultSettings);
+    QCOMPARE(m_folder->loaded(""), defaultSettings);
+    QCOMPARE(m_folder->loaded("[General]\n"), defaultSettings);
 }
 
 void tst_Settings::everyKeyIsRead()
 {
     QByteArray file = "[General]\n";
-    QStringList expected = defaults.mid(0, 2); // the geometries
+    QStringList expected = defaultSettings.mid(0, 2); // the geometries
     for (const Written &setting : written) {
         file += QByteArray(setting.key) + '=' + setting.inFile + '\n';
         expected.append(QString(setting.key) + '=' + setting.arrives);
     }
     QCOMPARE(expected.size(), 26);
-    QCOMPARE(loaded(file), expected);
-    QCOMPARE(loaded(file.mid(10)), expected); // without the name of the group
+    QCOMPARE(m_folder->loaded(file), expected);
+    QCOMPARE(m_folder->loaded(file.mid(10)), expected); // without the name of the group
 }
 
 void tst_Settings::oneKeyChangesOneValue_data()
@@ -231,8 +154,9 @@ void tst_Settings::oneKeyChangesOneValue()
     QFETCH(int, index);
     const Written &setting = written[index];
     const QStringList expected = defaultsBut(setting.key, setting.arrives);
-    QVERIFY(expected != defaults);
-    QCOMPARE(loaded(QByteArray("[General]\n") + setting.key + '=' + setting.inFile + '\n'), expected);
+    QVERIFY(expected != defaultSettings);
+    QCOMPARE(m_folder->loaded(QByteArray("[General]\n") + setting.key + '=' + setting.inFile + '\n'),
+             expected);
 }
 
 void tst_Settings::geometriesAreRead()
@@ -243,7 +167,7 @@ void tst_Settings::geometriesAreRead()
     model.setGeometry(60, 20, 333, 222);
     const QByteArray preview = byteArray(model.saveGeometry());
     const QStringList settings =
-        loaded("[General]\nGeometry=" + window + "\nPreviewGeometry=" + preview + '\n');
+        m_folder->loaded("[General]\nGeometry=" + window + "\nPreviewGeometry=" + preview + '\n');
     QCOMPARE(settingIn(settings, "Geometry"), QString("700 x 650 at 30, 40"));
     QCOMPARE(settingIn(settings, "PreviewGeometry"), QString("333 x 222 at 60, 20"));
 }
@@ -253,8 +177,8 @@ void tst_Settings::keysOfOtherGroupsAreIgnored()
     QByteArray keys;
     for (const Written &setting : written)
         keys += QByteArray(setting.key) + '=' + setting.inFile + '\n';
-    QCOMPARE(loaded("[main]\n" + keys), defaults);
-    QCOMPARE(loaded("[%General]\n" + keys), defaults);
+    QCOMPARE(m_folder->loaded("[main]\n" + keys), defaultSettings);
+    QCOMPARE(m_folder->loaded("[%General]\n" + keys), defaultSettings);
 }
 
 void tst_Settings::lineEditsShowTheCircle()
@@ -331,7 +255,7 @@ void tst_Settings::numbersAreConverted()
     for (const QString &key : flags + numbers + doubles + names)
         file += key.toUtf8() + '=' + inFile + '\n';
     const MessageCollector collector; // the toolkit grumbles about some
-    const QStringList settings = loaded(file);
+    const QStringList settings = m_folder->loaded(file);
     for (const QString &key : flags)
         QCOMPARE(key + settingIn(settings, key), key + (flag ? "true" : "false"));
     for (const QString &key : numbers)
@@ -376,7 +300,7 @@ void tst_Settings::anyGeometryIsSurvived()
     QFETCH(QByteArray, inFile);
     QFETCH(bool, asBuilt);
     const QStringList settings =
-        loaded("[General]\nGeometry=" + inFile + "\nPreviewGeometry=" + inFile + "\nPenSize=9\n");
+        m_folder->loaded("[General]\nGeometry=" + inFile + "\nPreviewGeometry=" + inFile + "\nPenSize=9\n");
     if (asBuilt)
         QCOMPARE(settings, defaultsBut("PenSize", "9"));
     m_window->readShowString();
@@ -410,12 +334,13 @@ void tst_Settings::colours()
 {
     QFETCH(QByteArray, inFile);
     QFETCH(QString, colour);
-    const QStringList settings = loaded("[General]\nPenColor=" + inFile + '\n');
+    const QStringList settings = m_folder->loaded("[General]\nPenColor=" + inFile + '\n');
     QCOMPARE(settings, defaultsBut("PenColor", colour));
     m_window->readShowString();
     const QByteArray file = saved(*m_window);
     QCOMPARE(valueIn(file, "PenColor"), colour == "invalid" ? QByteArray("#ff000000") : colour.toLatin1());
-    QCOMPARE(settingIn(loaded(file), "PenColor"), colour == "invalid" ? QString("#ff000000") : colour);
+    QCOMPARE(settingIn(m_folder->loaded(file), "PenColor"),
+             colour == "invalid" ? QString("#ff000000") : colour);
 }
 
 void tst_Settings::obstaclesGiveDefaults_data()
@@ -455,7 +380,7 @@ void tst_Settings::obstaclesGiveDefaults()
     const OrdinaryUser user;
     ModalDriver driver; // nothing is reported
     m_window->readShowString();
-    QCOMPARE(settingsOf(*m_window), defaults);
+    QCOMPARE(settingsOf(*m_window), defaultSettings);
     m_window->show();
     QVERIFY(m_window->close());
     QVERIFY(driver.done());
@@ -481,247 +406,8 @@ void tst_Settings::hugeFile_data()
 void tst_Settings::hugeFile()
 {
     QFETCH(QByteArray, filler);
-    QCOMPARE(loaded("[General]\nPenSize=9\n" + filler + "CenterX=77\n"),
+    QCOMPARE(m_folder->loaded("[General]\nPenSize=9\n" + filler + "CenterX=77\n"),
              defaultsBut("PenSize", "9").replaceInStrings("CenterX=0", "CenterX=77"));
-}
-
-void tst_Settings::onlyClosingWrites()
-{
-    m_window->readShowString();
-    m_window->show();
-    m_window->slot("timeout");
-    m_window->penSize = 8;
-    QTest::keyClick(m_window->ui->lineRadius, Qt::Key_Return);
-    m_window->ui->actionAuto_Preview->trigger();
-    m_window->ui->actionParam_Reset->trigger();
-    QVERIFY(!QFile::exists(m_window->settingFile));
-    QVERIFY(m_window->close());
-    QCOMPARE(valueIn(contentsOf(m_window->settingFile), "PenSize"), QByteArray("8"));
-    QCOMPARE(valueIn(contentsOf(m_window->settingFile), "AutoPreview"), QByteArray("true"));
-}
-
-void tst_Settings::closingHiddenWrites()
-{
-    m_window->readShowString();
-    m_window->close();
-    QCOMPARE(valueIn(contentsOf(m_window->settingFile), "OutputQuality"), QByteArray("85"));
-}
-
-void tst_Settings::fileNamesArePlainText_data()
-{
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QByteArray>("inFile");
-    QTest::newRow("Japanese") << "/写真/地球.jpg" << QByteArray("/写真/地球.jpg");
-    QTest::newRow("beyond the basic plane") << "/𠮷田.jpg" << QByteArray("/𠮷田.jpg");
-    QTest::newRow("emoji") << "/🌏👩‍🚀🇯🇵.png" << QByteArray("/🌏👩‍🚀🇯🇵.png");
-    QTest::newRow("accents") << "/é è ñ.jpg" << QByteArray("/é è ñ.jpg");
-    QTest::newRow("comma") << "/a, b.jpg" << QByteArray("\"/a, b.jpg\"");
-    QTest::newRow("at sign first") << "@home" << QByteArray("@@home");
-}
-
-void tst_Settings::fileNamesArePlainText()
-{
-    QFETCH(QString, name);
-    QFETCH(QByteArray, inFile);
-    m_window->readShowString();
-    m_window->loadFileName = m_window->saveFileName = m_window->inputFolder = m_window->outputFolder = name;
-    const QByteArray file = saved(*m_window);
-    for (const QString &key : names)
-        QCOMPARE(valueIn(file, key.toLatin1()), inFile);
-    const QStringList settings = loaded(file);
-    for (const QString &key : names)
-        QCOMPARE(settingIn(settings, key), name);
-}
-
-void tst_Settings::valuesComeBack_data()
-{
-    QTest::addColumn<int>("number");
-    QTest::addColumn<double>("real");
-    QTest::addColumn<bool>("flag");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("ordinary") << 1234 << 139.7454321 << true << "/a/b.jpg";
-    QTest::newRow("largest") << 2147483647 << 1.7976931348623157e308 << false
-                             << R"("quoted" \ back;slash, comma)";
-    QTest::newRow("smallest") << std::numeric_limits<int>::min() << 4.9406564584124654e-324 << true
-                              << " outer blanks ";
-    QTest::newRow("zero") << 0 << 0.0 << false << "";
-    QTest::newRow("a third") << -1 << 1.0 / 3 << true << "line\nbreak\ttab";
-    QTest::newRow("a tenth and a bit") << 1 << 0.1 + 0.2 << true << "@ByteArray(x) @Invalid()";
-    QTest::newRow("infinite") << 1 << std::numeric_limits<double>::infinity() << true << "%20 %1 %%";
-    QTest::newRow("long") << 1 << -1e300 << true << QString(100000, QChar(0x5730));
-}
-
-void tst_Settings::valuesComeBack()
-{
-    QFETCH(int, number);
-    QFETCH(double, real);
-    QFETCH(bool, flag);
-    QFETCH(QString, text);
-    m_window->readShowString();
-    for (int TestWindow::*member :
-         {&TestWindow::penSize, &TestWindow::centerX, &TestWindow::centerY, &TestWindow::radius,
-          &TestWindow::outputSizeX, &TestWindow::outputSizeY, &TestWindow::sortType, &TestWindow::nameType,
-          &TestWindow::format, &TestWindow::quality})
-        m_window.get()->*member = number;
-    for (double TestWindow::*member :
-         {&TestWindow::distance, &TestWindow::latitude, &TestWindow::longitude, &TestWindow::azimuth})
-        m_window.get()->*member = real;
-    for (bool TestWindow::*member :
-         {&TestWindow::autoPreview, &TestWindow::autoSize, &TestWindow::overwrite, &TestWindow::openFiler})
-        m_window.get()->*member = flag;
-    for (QString TestWindow::*member : {&TestWindow::loadFileName, &TestWindow::saveFileName,
-                                        &TestWindow::inputFolder, &TestWindow::outputFolder})
-        m_window.get()->*member = text;
-    m_window->setGeometry(50, 60, 700, 650);
-    m_window->previewWindow->setGeometry(100, 120, 500, 400);
-    const QStringList before = settingsOf(*m_window);
-    m_window->close();
-    const auto next = freshWindow();
-    next->readShowString();
-    QCOMPARE(settingsOf(*next), before);
-}
-
-void tst_Settings::keysInTheFile()
-{
-    m_window->readShowString();
-    QStringList expected;
-    for (const QString &setting : defaults)
-        expected.append(setting.section('=', 0, 0));
-    expected.sort();
-    QStringList keys;
-    const QByteArray file = saved(*m_window);
-    QVERIFY(file.startsWith("[General]\n"));
-    for (const QByteArray &line : file.mid(10).split('\n')) {
-        if (!line.isEmpty())
-            keys.append(QString::fromUtf8(line).section('=', 0, 0));
-    }
-    QCOMPARE(keys, expected);
-    QCOMPARE(expected.size(), 26);
-}
-
-void tst_Settings::unknownKeysStay()
-{
-    writeFile(m_window->settingFile, "[General]\nMine=1\nPenSize=4\n\n[later version]\nPenSize=5\nNew=新\n");
-    m_window->readShowString();
-    m_window->penSize = 6;
-    const QByteArray file = saved(*m_window);
-    QCOMPARE(valueIn(file, "Mine"), QByteArray("1"));
-    QCOMPARE(valueIn(file, "PenSize"), QByteArray("6"));
-    const QByteArray later = file.mid(file.indexOf("[later%20version]"));
-    QCOMPARE(valueIn(later, "PenSize"), QByteArray("5"));
-    QCOMPARE(valueIn(later, "New"), QByteArray("新"));
-}
-
-void tst_Settings::previewFlagIsItsVisibility_data()
-{
-    QTest::addColumn<bool>("flag");
-    QTest::addColumn<bool>("visible");
-    QTest::newRow("flag set, window hidden") << true << false;
-    QTest::newRow("flag clear, window visible") << false << true;
-    QTest::newRow("both clear") << false << false;
-    QTest::newRow("both set") << true << true;
-}
-
-void tst_Settings::previewFlagIsItsVisibility()
-{
-    QFETCH(bool, flag);
-    QFETCH(bool, visible);
-    m_window->readShowString();
-    m_window->previewShow = flag;
-    m_window->show();
-    m_window->previewWindow->setVisible(visible);
-    QCOMPARE(valueIn(saved(*m_window), "PreviewWindow"), QByteArray(visible ? "true" : "false"));
-}
-
-void tst_Settings::invalidColourIsSavedAsBlack()
-{
-    m_window->readShowString();
-    m_window->penColor = QColor();
-    QCOMPARE(valueIn(saved(*m_window), "PenColor"), QByteArray("#ff000000"));
-}
-
-void tst_Settings::oldFileSurvivesAFullDisk_data()
-{
-    QTest::addColumn<int>("freeBytes");
-    QTest::newRow("no room at all") << 0;
-    QTest::newRow("room for the beginning") << 4096;
-}
-
-void tst_Settings::oldFileSurvivesAFullDisk()
-{
-    QFETCH(int, freeBytes);
-    QVERIFY(QDir().mkdir(path("disk")));
-    const SmallDisk disk(path("disk"), "64k");
-    if (!disk.isMounted()) {
-        qInfo("no small disk can be mounted here; the size limit stands in for it");
-        return;
-    }
-    m_window->settingFile = path("disk/tool.ini");
-    m_window->readShowString();
-    m_window->saveSetting();
-    const QByteArray before = contentsOf(m_window->settingFile);
-    QVERIFY(before.size() > 500);
-    disk.fill();
-    QVERIFY(QFile::resize(path("disk/filler"), QFileInfo(path("disk/filler")).size() - freeBytes));
-    m_window->loadFileName = QString(10000, 'x');
-    QVERIFY(m_window->close());
-    QCOMPARE(contentsOf(m_window->settingFile), before);
-    QCOMPARE(QDir(path("disk")).entryList(QDir::Files | QDir::Hidden), (QStringList{"filler", "tool.ini"}));
-}
-
-void tst_Settings::oldFileSurvivesASizeLimit()
-{
-    m_window->readShowString();
-    m_window->saveSetting();
-    const QByteArray before = contentsOf(m_window->settingFile);
-    m_window->loadFileName = QString(10000, 'x');
-    for (const rlim_t bytes : {0, 1, 500, 4096}) {
-        const MessageCollector collector; // the log may be a file too
-        const FileSizeLimit limit(bytes);
-        m_window->saveSetting();
-    }
-    QCOMPARE(contentsOf(m_window->settingFile), before);
-    QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"tool.ini"});
-}
-
-void tst_Settings::readOnlyFolderKeepsTheOldFile()
-{
-    QVERIFY(QDir().mkdir(path("folder")));
-    m_window->settingFile = path("folder/tool.ini");
-    m_window->readShowString();
-    m_window->saveSetting();
-    const QByteArray before = contentsOf(m_window->settingFile);
-    handOver({m_folder->path()});
-    handOver({path("folder")});
-    handOver({m_window->settingFile});
-    const QFileDevice::Permissions enter = QFileDevice::ReadOwner | QFileDevice::ExeOwner;
-    QVERIFY(QFile::setPermissions(path("folder"), enter));
-    m_window->penSize = 9;
-    {
-        const OrdinaryUser user;
-        ModalDriver driver; // nothing is reported
-        m_window->show();
-        QVERIFY(m_window->close());
-        QVERIFY(driver.done());
-    }
-    QVERIFY(QFile::setPermissions(path("folder"), enter | QFileDevice::WriteOwner));
-    QCOMPARE(contentsOf(m_window->settingFile), before);
-}
-
-// What cannot be read cannot be merged with, so it is not replaced either.
-void tst_Settings::unreadableFileIsKept()
-{
-    writeFile(m_window->settingFile, "[General]\nMine=1\n");
-    handOver({m_folder->path()});
-    handOver({m_window->settingFile});
-    QVERIFY(QFile::setPermissions(m_window->settingFile, QFileDevice::WriteOwner));
-    {
-        const OrdinaryUser user;
-        m_window->readShowString();
-        QVERIFY(m_window->close());
-    }
-    QVERIFY(QFile::setPermissions(m_window->settingFile, QFileDevice::ReadOwner));
-    QCOMPARE(contentsOf(m_window->settingFile), QByteArray("[General]\nMine=1\n"));
 }
 
 void tst_Settings::reloadedPhotographProposesItsName()
