@@ -166,6 +166,7 @@ private:
     void finishStepping(int dx, int dy, int dr);
     MapParameters mapParameters() const;
     QImage convertPhotograph(AzimuthCanvas azimuthCanvas);
+    void confirmSaved(const QString &title, const QString &path);
 
     CircleCanvas circleCanvas; // what the label shows
 };

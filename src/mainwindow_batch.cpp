@@ -102,10 +102,10 @@ void MainWindow::batchConvert()
     if (!interactive)
         return;
 
-    QMessageBox box(this);
     status.hide();
     if (shown && !isVisible())
         return;
+    QMessageBox box(this);
     box.setText(succeeded == count ? showString.value("batch_success")
                                    : showString.value("batch_fail1") + QString::number(succeeded) +
                                          showString.value("batch_fail2") + QString::number(failed) +

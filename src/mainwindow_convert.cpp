@@ -92,9 +92,9 @@ void MainWindow::on_btnConvert_clicked()
     const QString path = QFileInfo(saveFileName).absolutePath() + '/' + name;
     saveFileName = path;
 
-    QMessageBox box(this);
-    box.setTextFormat(Qt::PlainText);
     if (QFileInfo::exists(path)) {
+        QMessageBox box(this);
+        box.setTextFormat(Qt::PlainText);
         box.setText(name + showString.value("overwrite_question"));
         box.setWindowTitle(ui->btnConvert->text());
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
@@ -106,10 +106,16 @@ void MainWindow::on_btnConvert_clicked()
 
     const QImage map = convertImage();
     saveMap(map, path, getFormatChar(), quality);
+    confirmSaved(ui->btnConvert->text(), path);
+}
 
-    // Shown whether or not the file could be written.
+// Shown whether or not the file could be written.
+void MainWindow::confirmSaved(const QString &title, const QString &path)
+{
+    QMessageBox box(this);
+    box.setTextFormat(Qt::PlainText);
     box.setText(path + showString.value("saved_file"));
-    box.setWindowTitle(ui->btnConvert->text());
+    box.setWindowTitle(title);
     box.setStandardButtons(QMessageBox::Ok);
     box.setDefaultButton(QMessageBox::Ok);
     box.setIcon(QMessageBox::Information);
@@ -155,15 +161,7 @@ void MainWindow::writeParam()
     const QString path = dialog.selectedFiles().first();
     updateParameter(); // values that were typed but not yet applied
     writeIniFile(path, {{"CenterX", centerX}, {"CenterY", centerY}, {"Radius", radius}});
-
-    QMessageBox box(this);
-    box.setTextFormat(Qt::PlainText);
-    box.setText(path + showString.value("saved_file"));
-    box.setWindowTitle(showString.value("save_inifile_title"));
-    box.setStandardButtons(QMessageBox::Ok);
-    box.setDefaultButton(QMessageBox::Ok);
-    box.setIcon(QMessageBox::Information);
-    box.exec();
+    confirmSaved(showString.value("save_inifile_title"), path);
 }
 
 void MainWindow::readParam()
