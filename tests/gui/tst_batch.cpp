@@ -379,6 +379,9 @@ void tst_Batch::progressSkipsUnreadableInputs()
 
 void tst_Batch::onlyStopCanBeUsedMeanwhile()
 {
+    m_window->loadFileName = photograph("shown.png");
+    m_window->loadImage();
+    QVERIFY(!m_window->ui->label->pixmap(Qt::ReturnByValue).isNull());
     m_window->fileList = QStringList{photograph("a.png")};
     bool windowEnabled = true;
     bool statusEnabled = false;

@@ -35,7 +35,7 @@ int runWindow(int argc, char *argv[])
             seen.append("count " + dialog->findChild<QLabel *>("labelSelectCount")->text());
             dialog->reject();
         });
-    if (!QTest::qWaitFor([&] { return window.unattended == 0; }) || !driver.done())
+    if (!QTest::qWaitFor([&] { return window.unattended == 0; }, 20000) || !driver.done())
         return 1;
     seen.append("loaded " + window.loadFileName);
     seen.append(QString("photograph %1 x %2").arg(window.image.width()).arg(window.image.height()));

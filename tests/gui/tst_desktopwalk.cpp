@@ -256,7 +256,10 @@ void tst_DesktopWalk::heldButtonsRepeat()
         return;
     const Layout &layout = *m_layout;
     m_desktop->click(layout["btnRight"]);
-    QCOMPARE(shownCircle(), (QVector<int>{147, 201, 150}));
+    QVector<int> circle = shownCircle();
+    while (circle == QVector<int>{147, 200, 150}) // ticks between a slow press and its release
+        circle = shownCircle();
+    QCOMPARE(circle, (QVector<int>{147, 201, 150}));
 
     m_desktop->buttonDown(layout["btnSizeUp"]);
     for (int tick = 0; tick < 10; ++tick) {
