@@ -1,6 +1,7 @@
 #include "circlewindow.h"
 #include "imagecompare.h"
 #include "previewwindow.h"
+#include "referencemap.h"
 
 #include <climits>
 
@@ -405,22 +406,12 @@ void tst_CircleButtons::finishedEditsRefreshThePreview()
     QFETCH(int, conversions);
     m_window->ui->actionAuto_Preview->trigger();
     m_window->ui->actionPreview_Window->trigger();
-    auto *preview = m_window->previewWindow->findChild<QLabel *>("label2");
-    const QImage before = preview->pixmap(Qt::ReturnByValue).toImage();
+    const QImage before = shownMap(*m_window);
     QCOMPARE(before.size(), QSize(64, 32));
     m_window->longitude = 30; // shows whether the map is a new one
 
     QCOMPARE(conversionsDuring([&] { edit(*this); }), conversions);
-    MapParameters parameters;
-    parameters.centerX = m_window->centerX;
-    parameters.centerY = m_window->centerY;
-    parameters.radius = m_window->radius;
-    parameters.outputSizeX = 64;
-    parameters.outputSizeY = 32;
-    parameters.longitude = 30;
-    const QImage map = convertToMap(m_window->image, parameters);
-    const QImage shown = preview->pixmap(Qt::ReturnByValue).toImage();
-    COMPARE_IMAGES(shown, conversions > 0 ? map : before);
+    COMPARE_IMAGES(shownMap(*m_window), conversions > 0 ? referenceMap(*m_window) : before);
 }
 
 void tst_CircleButtons::previewNeedsAutoPreviewAndItsWindow_data()

@@ -1,3 +1,4 @@
+#include "faults.h"
 #include "files.h"
 #include "freshwindow.h"
 #include "imagecompare.h"
@@ -11,8 +12,6 @@
 #include <QSettings>
 
 #include <climits>
-#include <csignal>
-#include <sys/resource.h>
 
 Q_DECLARE_METATYPE(SelectionCircle)
 
@@ -20,25 +19,6 @@ namespace
 {
 
 constexpr SelectionCircle aCircle{120, 80, 40};
-
-/// As on a full disk: no file of this process can grow while it lives.
-class FullDisk
-{
-public:
-    FullDisk()
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        const rlimit none{0, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &none);
-    }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &m_before); }
-    FullDisk(const FullDisk &) = delete;
-    FullDisk &operator=(const FullDisk &) = delete;
-
-private:
-    rlimit m_before{};
-};
 
 } // namespace
 
@@ -198,9 +178,9 @@ void tst_Parameters::fileIsNamedAsTyped_data()
 void tst_Parameters::fileIsNamedAsTyped()
 {
     QFETCH(QString, name);
-    const QStringList before = QDir(m_window->filePath("")).entryList(QDir::Files);
+    const QStringList before = namesIn(m_window->folder());
     save(m_window->filePath(name));
-    QStringList after = QDir(m_window->filePath("")).entryList(QDir::Files);
+    QStringList after = namesIn(m_window->folder());
     for (const QString &old : before)
         after.removeAll(old);
     QCOMPARE(after, QStringList(name));
@@ -255,13 +235,13 @@ void tst_Parameters::decliningToReplaceStaysInTheDialog()
 void tst_Parameters::cancelledSaveChangesNothing()
 {
     m_window->ui->lineRadius->setText("55");
-    const QStringList before = QDir(m_window->filePath("")).entryList(QDir::Files);
+    const QStringList before = namesIn(m_window->folder());
     ModalDriver driver; // no confirmation either
     driver.expect<QFileDialog>([](QFileDialog *picker) { picker->reject(); });
     m_window->ui->actionSave_Param->trigger();
     QVERIFY(driver.done());
     QCOMPARE(circleOf(*m_window), aCircle); // not even the line edits were read
-    QCOMPARE(QDir(m_window->filePath("")).entryList(QDir::Files), before);
+    QCOMPARE(namesIn(m_window->folder()), before);
 }
 
 void tst_Parameters::textsComeFromTheTextMap()
@@ -304,7 +284,7 @@ void tst_Parameters::failedSaveKeepsTheOldFile()
     const QByteArray old = "[General]\nCenterX=1\nCenterY=2\nRadius=3\n";
     writeFile(path, old);
     {
-        const FullDisk disk;
+        const FileSizeLimit fullDisk(0);
         save(path, true);
     }
     QCOMPARE(contentsOf(path), old);

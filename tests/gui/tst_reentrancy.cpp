@@ -3,6 +3,7 @@
 #include "modaldriver.h"
 #include "option.h"
 #include "previewwindow.h"
+#include "referencemap.h"
 
 #include <QFile>
 #include <QFileDialog>
@@ -13,18 +14,6 @@ Q_DECLARE_METATYPE(Disturbance)
 
 namespace
 {
-
-MapParameters parametersOf(const TestWindow &w)
-{
-    return {w.centerX,     w.centerY,  w.radius,    w.distance, w.outputSizeX,
-            w.outputSizeY, w.latitude, w.longitude, w.azimuth};
-}
-
-/// The map of what the window holds now.
-QImage mapOf(const TestWindow &window)
-{
-    return convertToMap(window.image, parametersOf(window));
-}
 
 /// Does something from an event that the next conversion handles.
 class InTheMiddle
@@ -211,27 +200,27 @@ void tst_Reentrancy::mapIsTheOneOfTheStart_data()
 void tst_Reentrancy::mapIsTheOneOfTheStart()
 {
     QFETCH(Disturbance, disturbance);
-    const QImage expected = mapOf(*m_window);
+    const QImage expected = referenceMap(*m_window);
     COMPARE_IMAGES(convertWith([&] { disturbance(*m_window); }), expected);
     // Nothing of it is left behind.
     m_window->outputSizeX = 64;
     m_window->outputSizeY = 32;
-    COMPARE_IMAGES(m_window->convertImage(), mapOf(*m_window));
+    COMPARE_IMAGES(m_window->convertImage(), referenceMap(*m_window));
     m_window->open(colourfulPhotograph({420, 410}));
     m_window->setCircle(CircleWindow::firstCircle);
-    COMPARE_IMAGES(m_window->convertImage(), mapOf(*m_window));
+    COMPARE_IMAGES(m_window->convertImage(), referenceMap(*m_window));
 }
 
 void tst_Reentrancy::innerConversionHasItsOwnMap()
 {
-    const QImage outer = mapOf(*m_window);
+    const QImage outer = referenceMap(*m_window);
     const QImage map = convertWith([&] {
         m_window->open(colourfulPhotograph({300, 200}).mirrored());
         m_window->setCircle({150, 100, 90});
         m_window->latitude = 60;
         m_window->outputSizeX = 80;
         const QImage inner = m_window->convertImage();
-        COMPARE_IMAGES(inner, mapOf(*m_window));
+        COMPARE_IMAGES(inner, referenceMap(*m_window));
         COMPARE_IMAGES(shownMap(*m_window), inner);
     });
     COMPARE_IMAGES(map, outer);
@@ -239,7 +228,7 @@ void tst_Reentrancy::innerConversionHasItsOwnMap()
 
 void tst_Reentrancy::olderConversionShowsItsMapLast()
 {
-    const QImage outer = mapOf(*m_window);
+    const QImage outer = referenceMap(*m_window);
     convertWith([&] {
         m_window->setCircle({100, 150, 60});
         m_window->ui->btnPreview->click();
@@ -251,7 +240,7 @@ void tst_Reentrancy::olderConversionShowsItsMapLast()
 // Every press gives the timer a new id, so its tick comes although the last one has not returned.
 void tst_Reentrancy::quickPressesNest()
 {
-    const QImage first = mapOf(*m_window);
+    const QImage first = referenceMap(*m_window);
     const MessageCollector collector;
     int presses = 0;
     QTimer hand; // comes after the tick that it has caused, in the middle of that tick's conversion
@@ -278,13 +267,13 @@ void tst_Reentrancy::quickPressesNest()
 
 void tst_Reentrancy::conversionsNestDeeply()
 {
-    const QImage first = mapOf(*m_window);
+    const QImage first = referenceMap(*m_window);
     int depth = 0;
     std::function<void()> convertAgain = [&] {
         if (++depth == 60)
             return;
         m_window->open(colourfulPhotograph({40 + depth, 30}));
-        const QImage expected = mapOf(*m_window);
+        const QImage expected = referenceMap(*m_window);
         QTimer::singleShot(0, m_window.get(), [&] { convertAgain(); });
         COMPARE_IMAGES(m_window->convertImage(), expected);
     };
@@ -296,7 +285,7 @@ void tst_Reentrancy::savedMapIsTheOneOfTheStart()
 {
     m_window->format = 1;
     m_window->ui->lineSaveFilename->setText("map.png");
-    const QImage expected = mapOf(*m_window);
+    const QImage expected = referenceMap(*m_window);
     ModalDriver driver;
     driver.expectMessage(
         {m_window->ui->btnConvert->text(), m_window->filePath("map.png") + " へ保存されました"});
@@ -330,7 +319,7 @@ void tst_Reentrancy::closingInTheMiddleOfASave()
 {
     m_window->format = 1;
     m_window->ui->lineSaveFilename->setText("map.png");
-    const QImage expected = mapOf(*m_window);
+    const QImage expected = referenceMap(*m_window);
     ModalDriver driver;
     driver.expect<QMessageBox>(answerBox);
     InTheMiddle middle(m_window.get(), [&] {
