@@ -7,7 +7,7 @@
 #include "rotatedmap.h"
 
 #include "imagecompare.h"
-#include "messagelog.h"
+#include "messagecollector.h"
 #include "referenceengine.h"
 
 #include <QMap>
@@ -118,7 +118,7 @@ QImage expectedMap(const Case &c)
 /// @return what differs from the slow engine, empty if nothing does
 QString difference(const Case &c)
 {
-    const MessageLog silent;
+    const MessageCollector silent;
     const QImage expected = expectedMap(c);
     for (const Way &way : ways()) {
         const ForcedWay forced(way);
