@@ -34,8 +34,8 @@ struct ProposalScale {
 /// Proposed positions for neighbouring columns, and for the columns that mirror them at longitude 90.
 struct Proposals {
     static constexpr int capacity = 512;
-    static constexpr int padding =
-        64; ///< of the inputs and of every list: a vector may reach this far beyond
+    /// Of the inputs and of every list: a vector may reach this far beyond the last place.
+    static constexpr int padding = 64;
 
     alignas(64) int32_t columns[capacity + padding];
     alignas(64) int32_t mirroredColumns[capacity + padding];

@@ -17,7 +17,7 @@ namespace HWY_NAMESPACE
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Floats = hn::ScalableTag<float>;
+using Floats = hn::CappedTag<float, Proposals::padding>;
 using Ints = hn::RebindToSigned<Floats>;
 using Vector = hn::Vec<Floats>;
 
@@ -42,8 +42,6 @@ void propose(const ProposalScale &scale, const TurnedRow &row, const float *HWY_
     const Floats d;
     const Ints di;
     const int lanes = static_cast<int>(hn::Lanes(d));
-    static_assert(hn::MaxLanes(Floats()) <= Proposals::padding, "a vector must not reach beyond the padding");
-
     const auto one = hn::Set(d, 1.0F);
     const auto lastColumn = hn::Set(di, scale.width - 2);
     const auto width1 = hn::Set(di, scale.width - 1);
@@ -67,7 +65,7 @@ void propose(const ProposalScale &scale, const TurnedRow &row, const float *HWY_
                                           hn::Gt(rowMargin, hn::Set(d, scale.rowGuard))),
                                   hn::Ge(rows, hn::Set(d, scale.firstRow)));
         if (HWY_UNLIKELY(!hn::AllTrue(d, sure))) {
-            uint8_t bits[8 + hn::MaxLanes(Floats()) / 8];
+            uint8_t bits[8 + Proposals::padding / 8]; // at least 8 are written
             hn::StoreMaskBits(d, sure, bits);
             for (int lane = 0; lane < lanes && i + lane < count; ++lane)
                 if ((bits[lane / 8] >> (lane % 8) & 1) == 0)
