@@ -352,11 +352,11 @@ void tst_FastEngine::proposalsAreExactOrDoubtful_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("rowStep");
-    for (int width = 2; width <= 40; width += 2)
+    for (const int width : {2, 4, 6, 8, 10, 14, 20, 26, 32, 38, 40})
         QTest::addRow("%d columns, all heights to 40", width) << QSize(width, 0) << 1;
     QTest::newRow("64 x 32") << QSize(64, 32) << 1;
-    QTest::newRow("1026 x 511") << QSize(1026, 511) << 17;
-    QTest::newRow("2048 x 1024") << QSize(2048, 1024) << 61;
+    QTest::newRow("1026 x 511") << QSize(1026, 511) << 37;
+    QTest::newRow("2048 x 1024") << QSize(2048, 1024) << 101;
     QTest::newRow("8192 x 4096") << QSize(8192, 4096) << 997;
     QTest::newRow("32766 x 32767") << QSize(32766, 32767) << 16001;
 }
@@ -366,7 +366,7 @@ void tst_FastEngine::proposalsAreExactOrDoubtful()
     QFETCH(QSize, size);
     QFETCH(int, rowStep);
     QMap<QString, Tally> tallies;
-    for (const int angle : {0, 1, 55, 90, -30})
+    for (const int angle : {0, 55, -30})
         for (int height = size.height() ? size.height() : 2; height <= qMax(40, size.height()); ++height)
             tallyRows(angle, {size.width(), height}, rowStep, tallies);
     for (const QString &way : tallies.keys()) {
@@ -379,7 +379,7 @@ void tst_FastEngine::proposalsAreExactAtEveryWholeDegree()
 {
     for (int angle = -360; angle <= 360; ++angle) {
         QMap<QString, Tally> tallies;
-        tallyRows(angle, {130, 67}, 5, tallies);
+        tallyRows(angle, {66, 67}, 9, tallies);
         for (const QString &way : tallies.keys())
             QVERIFY2(tallies[way].wrong == 0,
                      qPrintable(QStringLiteral("%1, %2 degrees").arg(way).arg(angle)));
@@ -402,11 +402,13 @@ void tst_FastEngine::fewProposalsAreDoubtful()
 /// largest map has the most whole numbers to come near to; errors and guards grow with the map alike.
 void tst_FastEngine::guardsHaveAMargin()
 {
-    const QVector<double> guards = {0.0, 0.1, 0.2, 0.3, 0.5};
+    const bool thoroughly = qEnvironmentVariableIsSet("OVMIC_SETS");
+    const QVector<double> guards =
+        thoroughly ? QVector<double>{0.0, 0.1, 0.2, 0.3, 0.5} : QVector<double>{0.0, 0.5};
     QMap<QString, QVector<qint64>> wrong;
     for (const int angle : {1, 35, 55, 90, 125}) {
         ExactRows rows(angle, {32766, 32767});
-        for (int y = 1777; y < 32767; y += qEnvironmentVariableIsSet("OVMIC_SETS") ? 37 : 7919) {
+        for (int y = 1777; y < 32767; y += thoroughly ? 37 : 7919) {
             rows.moveTo(y);
             for (const Way &way : ways()) {
                 const ForcedWay forced(way);
@@ -460,9 +462,9 @@ void tst_FastEngine::agreesForEverySmallSize()
 void tst_FastEngine::agreesForLargeAndOddSizes_data()
 {
     QTest::addColumn<QSize>("size");
-    for (const QSize &size : {QSize(1024, 512), QSize(1026, 333), QSize(1023, 511), QSize(8190, 31),
-                              QSize(8192, 2), QSize(2, 4096), QSize(32766, 3), QSize(32768, 2),
-                              QSize(4, 32767), QSize(40000, 1), QSize(1, 40000)})
+    for (const QSize &size :
+         {QSize(1026, 133), QSize(1023, 111), QSize(8190, 31), QSize(8192, 2), QSize(2, 4096),
+          QSize(32766, 3), QSize(32768, 2), QSize(4, 32767), QSize(40000, 1), QSize(1, 40000)})
         QTest::addRow("%d x %d", size.width(), size.height()) << size;
 }
 
