@@ -19,9 +19,9 @@ namespace
 class InTheMiddle
 {
 public:
-    InTheMiddle(QObject *context, std::function<void()> action)
+    InTheMiddle(QObject *context, const std::function<void()> &action)
     {
-        QTimer::singleShot(0, context, [this, action = std::move(action)] {
+        QTimer::singleShot(0, context, [this, action] {
             if (!converting)
                 return;
             action();

@@ -250,7 +250,7 @@ void tst_SettingsFile::oldFileSurvivesASizeLimit()
     m_window->saveSetting();
     const QByteArray before = contentsOf(m_window->settingFile);
     m_window->loadFileName = QString(10000, 'x');
-    for (const rlim_t bytes : {0, 1, 500, 4096}) {
+    for (const rlim_t bytes : {rlim_t{0}, rlim_t{1}, rlim_t{500}, rlim_t{4096}}) {
         const MessageCollector collector; // the log may be a file too
         const FileSizeLimit limit(bytes);
         m_window->saveSetting();
