@@ -58,7 +58,7 @@ public:
 
 } // namespace
 
-class BatchConvertDialogTest : public QObject
+class tst_BatchConvertDialog : public QObject
 {
     Q_OBJECT
 
@@ -149,7 +149,6 @@ private slots:
     }
 
     // -- texts
-    // ------------------------------------------------------------------------------------------------
 
     void builtInTexts_withoutLanguageFile()
     {
@@ -241,7 +240,6 @@ private slots:
     }
 
     // -- showing the members
-    // ----------------------------------------------------------------------------------
 
     void exec_showsCountFolderAndOptions()
     {
@@ -304,7 +302,6 @@ private slots:
     }
 
     // -- the ways out
-    // -----------------------------------------------------------------------------------------
 
     void convertAndClose_readTheChoices_data()
     {
@@ -411,7 +408,6 @@ private slots:
     }
 
     // -- picking files
-    // ----------------------------------------------------------------------------------------
 
     void filePicker_isSetUp()
     {
@@ -476,7 +472,6 @@ private slots:
     }
 
     // -- picking a folder
-    // -------------------------------------------------------------------------------------
 
     void folderPicker_isSetUp()
     {
@@ -536,7 +531,6 @@ private slots:
     }
 
     // -- picking the output folder
-    // ----------------------------------------------------------------------------
 
     void outputPicker_isSetUp()
     {
@@ -579,7 +573,6 @@ private slots:
     }
 
     // -- cancelled and lost
-    // -----------------------------------------------------------------------------------
 
     void cancelledPicker_changesNothing_data()
     {
@@ -665,5 +658,5 @@ private:
     QTemporaryDir m_folder;
 };
 
-QTEST_MAIN(BatchConvertDialogTest)
+QTEST_MAIN(tst_BatchConvertDialog)
 #include "tst_batchconvertdialog.moc"

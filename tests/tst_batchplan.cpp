@@ -23,7 +23,7 @@ QString touch(const QTemporaryDir &folder, const QString &name, int seconds)
 
 } // namespace
 
-class BatchPlanTest : public QObject
+class tst_BatchPlan : public QObject
 {
     Q_OBJECT
 
@@ -174,5 +174,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(BatchPlanTest)
+QTEST_GUILESS_MAIN(tst_BatchPlan)
 #include "tst_batchplan.moc"

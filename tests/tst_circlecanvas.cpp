@@ -45,7 +45,7 @@ const CirclePen redPen{Qt::red, 3, Qt::DotLine};
 
 } // namespace
 
-class TestCircleCanvas : public QObject
+class tst_CircleCanvas : public QObject
 {
     Q_OBJECT
 
@@ -64,7 +64,7 @@ private slots:
     void startsAfreshWhenCleared();
 };
 
-void TestCircleCanvas::givesNothingForNoPhotograph()
+void tst_CircleCanvas::givesNothingForNoPhotograph()
 {
     CircleCanvas canvas;
     QVERIFY(canvas.picture(QImage(), std::nullopt, redPen).isNull());
@@ -74,7 +74,7 @@ void TestCircleCanvas::givesNothingForNoPhotograph()
     QVERIFY(canvas.picture(QImage(), std::nullopt, redPen).isNull());
 }
 
-void TestCircleCanvas::equalsThePlainWay_data()
+void tst_CircleCanvas::equalsThePlainWay_data()
 {
     QTest::addColumn<QImage::Format>("format");
     QTest::addColumn<int>("opaqueShare"); // one pixel in so many is opaque for certain
@@ -94,7 +94,7 @@ void TestCircleCanvas::equalsThePlainWay_data()
     QTest::newRow("16 bits altogether") << QImage::Format_RGB16 << 1;
 }
 
-void TestCircleCanvas::equalsThePlainWay()
+void tst_CircleCanvas::equalsThePlainWay()
 {
     QFETCH(QImage::Format, format);
     QFETCH(int, opaqueShare);
@@ -119,7 +119,7 @@ void TestCircleCanvas::equalsThePlainWay()
     }
 }
 
-void TestCircleCanvas::takesTheOldCircleAwayCompletely()
+void tst_CircleCanvas::takesTheOldCircleAwayCompletely()
 {
     const QImage photograph = noise(300, 200, QImage::Format_RGB32);
     CircleCanvas canvas;
@@ -134,7 +134,7 @@ void TestCircleCanvas::takesTheOldCircleAwayCompletely()
     }
 }
 
-void TestCircleCanvas::noticesANewPhotograph()
+void tst_CircleCanvas::noticesANewPhotograph()
 {
     CircleCanvas canvas;
     const SelectionCircle circle{50, 50, 30};
@@ -147,7 +147,7 @@ void TestCircleCanvas::noticesANewPhotograph()
     }
 }
 
-void TestCircleCanvas::noticesAnEditedPhotograph()
+void tst_CircleCanvas::noticesAnEditedPhotograph()
 {
     QImage photograph = noise(100, 100, QImage::Format_RGB32);
     CircleCanvas canvas;
@@ -157,7 +157,7 @@ void TestCircleCanvas::noticesAnEditedPhotograph()
              QString());
 }
 
-void TestCircleCanvas::leavesEarlierPixmapsAlone()
+void tst_CircleCanvas::leavesEarlierPixmapsAlone()
 {
     // The label keeps only the newest pixmap, but whoever keeps an older one must not see it change.
     const QImage photograph = noise(100, 100, QImage::Format_RGB32);
@@ -171,7 +171,7 @@ void TestCircleCanvas::leavesEarlierPixmapsAlone()
                  QString());
 }
 
-void TestCircleCanvas::leavesThePhotographAlone()
+void tst_CircleCanvas::leavesThePhotographAlone()
 {
     for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32}) {
         const QImage photograph = noise(100, 100, format, 2);
@@ -183,7 +183,7 @@ void TestCircleCanvas::leavesThePhotographAlone()
     }
 }
 
-void TestCircleCanvas::keepsOrDropsTheAlphaChannelAsThePlainWay()
+void tst_CircleCanvas::keepsOrDropsTheAlphaChannelAsThePlainWay()
 {
     // One pixel that is not opaque, off the circle at first, then painted over, then free again.
     QImage photograph(100, 100, QImage::Format_ARGB32);
@@ -198,7 +198,7 @@ void TestCircleCanvas::keepsOrDropsTheAlphaChannelAsThePlainWay()
     }
 }
 
-void TestCircleCanvas::looksAtPixelsOnly()
+void tst_CircleCanvas::looksAtPixelsOnly()
 {
     // A file called photo@2x.jpg loads with a device pixel ratio of 2; the circle counts in its pixels all
     // the same.
@@ -213,7 +213,7 @@ void TestCircleCanvas::looksAtPixelsOnly()
     }
 }
 
-void TestCircleCanvas::drawsHostileCirclesToo()
+void tst_CircleCanvas::drawsHostileCirclesToo()
 {
     const QImage photograph = noise(60, 50, QImage::Format_ARGB32, 2);
     CircleCanvas canvas;
@@ -230,7 +230,7 @@ void TestCircleCanvas::drawsHostileCirclesToo()
                  photograph.size());
 }
 
-void TestCircleCanvas::startsAfreshWhenCleared()
+void tst_CircleCanvas::startsAfreshWhenCleared()
 {
     const QImage photograph = noise(60, 50, QImage::Format_RGB32);
     CircleCanvas canvas;
@@ -242,5 +242,5 @@ void TestCircleCanvas::startsAfreshWhenCleared()
     }
 }
 
-QTEST_MAIN(TestCircleCanvas)
+QTEST_MAIN(tst_CircleCanvas)
 #include "tst_circlecanvas.moc"

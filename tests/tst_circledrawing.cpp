@@ -96,7 +96,7 @@ QRect extentOf(const QImage &picture)
 } // namespace
 
 /// The circle in the picture, and the rectangles that it may change.
-class TestCircleDrawing : public QObject
+class tst_CircleDrawing : public QObject
 {
     Q_OBJECT
 
@@ -117,7 +117,7 @@ private slots:
     void admitsWhatItDoesNotKnow();
 };
 
-void TestCircleDrawing::drawsTheExactPixels_data()
+void tst_CircleDrawing::drawsTheExactPixels_data()
 {
     QTest::addColumn<int>("radius");
     QTest::addColumn<Qt::PenStyle>("square");
@@ -175,7 +175,7 @@ void TestCircleDrawing::drawsTheExactPixels_data()
     // clang-format on
 }
 
-void TestCircleDrawing::drawsTheExactPixels()
+void tst_CircleDrawing::drawsTheExactPixels()
 {
     QFETCH(int, radius);
     QFETCH(Qt::PenStyle, square);
@@ -185,14 +185,14 @@ void TestCircleDrawing::drawsTheExactPixels()
     QCOMPARE(charted(picture), expected);
 }
 
-void TestCircleDrawing::drawsTheSquareOnePixelWider()
+void tst_CircleDrawing::drawsTheSquareOnePixelWider()
 {
     QImage picture = transparent(60, 60);
     drawCircle(picture, {30, 30, 20}, Qt::red, 1, Qt::SolidLine);
     QCOMPARE(extentOf(picture), QRect(QPoint(10, 10), QPoint(51, 51)));
 }
 
-void TestCircleDrawing::drawsTheCrossTwiceAsLongAsThePen()
+void tst_CircleDrawing::drawsTheCrossTwiceAsLongAsThePen()
 {
     for (const int penSize : {1, 2, 3, 8}) {
         QImage picture = transparent(200, 200);
@@ -205,7 +205,7 @@ void TestCircleDrawing::drawsTheCrossTwiceAsLongAsThePen()
     }
 }
 
-void TestCircleDrawing::drawsTheSameAsThePlainWay()
+void tst_CircleDrawing::drawsTheSameAsThePlainWay()
 {
     Chance chance;
     for (int i = 0; i < 1500; ++i) {
@@ -225,7 +225,7 @@ void TestCircleDrawing::drawsTheSameAsThePlainWay()
     }
 }
 
-void TestCircleDrawing::neverHangsOnHostileValues_data()
+void tst_CircleDrawing::neverHangsOnHostileValues_data()
 {
     QTest::addColumn<SelectionCircle>("circle");
     QTest::addColumn<int>("penSize");
@@ -244,7 +244,7 @@ void TestCircleDrawing::neverHangsOnHostileValues_data()
     QTest::newRow("pen and circle of the same size") << SelectionCircle{30000, -20000, 40000} << 40000;
 }
 
-void TestCircleDrawing::neverHangsOnHostileValues()
+void tst_CircleDrawing::neverHangsOnHostileValues()
 {
     QFETCH(SelectionCircle, circle);
     QFETCH(int, penSize);
@@ -256,7 +256,7 @@ void TestCircleDrawing::neverHangsOnHostileValues()
     QVERIFY2(taken < 1000, qPrintable(QString("%1 ms").arg(taken)));
 }
 
-void TestCircleDrawing::drawsAnythingAnywhere()
+void tst_CircleDrawing::drawsAnythingAnywhere()
 {
     QRandomGenerator random(20);
     const auto anyInt = [&random] { return static_cast<int>(random.generate()) >> random.bounded(31); };
@@ -268,7 +268,7 @@ void TestCircleDrawing::drawsAnythingAnywhere()
     }
 }
 
-void TestCircleDrawing::knowsWhereItDraws()
+void tst_CircleDrawing::knowsWhereItDraws()
 {
     Chance chance;
     for (int i = 0; i < 1500; ++i) {
@@ -290,7 +290,7 @@ void TestCircleDrawing::knowsWhereItDraws()
     }
 }
 
-void TestCircleDrawing::keepsItsRectanglesApartAndInside()
+void tst_CircleDrawing::keepsItsRectanglesApartAndInside()
 {
     Chance chance;
     for (int i = 0; i < 300; ++i) {
@@ -308,7 +308,7 @@ void TestCircleDrawing::keepsItsRectanglesApartAndInside()
     }
 }
 
-void TestCircleDrawing::keepsItsRectanglesNarrow()
+void tst_CircleDrawing::keepsItsRectanglesNarrow()
 {
     const QSize photograph(6000, 4000);
     const std::optional<QVector<QRect>> rectangles =
@@ -320,7 +320,7 @@ void TestCircleDrawing::keepsItsRectanglesNarrow()
     QVERIFY2(pixels < 24000000 / 40, qPrintable(QString::number(pixels)));
 }
 
-void TestCircleDrawing::admitsWhatItDoesNotKnow_data()
+void tst_CircleDrawing::admitsWhatItDoesNotKnow_data()
 {
     QTest::addColumn<SelectionCircle>("circle");
     QTest::addColumn<int>("penSize");
@@ -335,7 +335,7 @@ void TestCircleDrawing::admitsWhatItDoesNotKnow_data()
     QTest::newRow("pen of the smallest int") << SelectionCircle{0, 0, 10} << INT_MIN << false;
 }
 
-void TestCircleDrawing::admitsWhatItDoesNotKnow()
+void tst_CircleDrawing::admitsWhatItDoesNotKnow()
 {
     QFETCH(SelectionCircle, circle);
     QFETCH(int, penSize);
@@ -343,5 +343,5 @@ void TestCircleDrawing::admitsWhatItDoesNotKnow()
     QCOMPARE(drawnRectangles(QSize(100, 100), circle, penSize).has_value(), known);
 }
 
-QTEST_GUILESS_MAIN(TestCircleDrawing)
+QTEST_GUILESS_MAIN(tst_CircleDrawing)
 #include "tst_circledrawing.moc"

@@ -72,7 +72,7 @@ bool holds(const QString &path, const Values &values)
 
 } // namespace
 
-class TestIniFile : public QObject
+class tst_IniFile : public QObject
 {
     Q_OBJECT
 
@@ -126,18 +126,18 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
 };
 
-void TestIniFile::init()
+void tst_IniFile::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
 }
 
-void TestIniFile::cleanup()
+void tst_IniFile::cleanup()
 {
     m_folder.reset();
 }
 
-void TestIniFile::textSurvives_data()
+void tst_IniFile::textSurvives_data()
 {
     QTest::addColumn<QString>("text");
     const auto row = [](const char *name, const QString &text) { QTest::newRow(name) << text; };
@@ -170,7 +170,7 @@ void TestIniFile::textSurvives_data()
     row("10,000 characters", QString(10000, QChar(0x6f22)));
 }
 
-void TestIniFile::textSurvives()
+void tst_IniFile::textSurvives()
 {
     QFETCH(QString, text);
     QVERIFY(writeIniFile(ini(), {{"Before", "a"}, {"Text", text}, {"Unit", "b"}}));
@@ -185,7 +185,7 @@ void TestIniFile::textSurvives()
     QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
-void TestIniFile::everyCharacterSurvives()
+void tst_IniFile::everyCharacterSurvives()
 {
     Values values;
     for (uint block = 0; block < 0x110000; block += 0x400) {
@@ -203,14 +203,14 @@ void TestIniFile::everyCharacterSurvives()
         QVERIFY2(file->value(key).toString() == value.toString(), qPrintable(key));
 }
 
-void TestIniFile::japaneseTextIsPlainUtf8InTheFile()
+void tst_IniFile::japaneseTextIsPlainUtf8InTheFile()
 {
     const QString text = QStringLiteral("/写真/𠮷田 🌏.jpg");
     QVERIFY(writeIniFile(ini(), {{"LoadFileName", text}}));
     QCOMPARE(contentsOf(ini()), QByteArray("[General]\nLoadFileName=" + text.toUtf8() + "\n"));
 }
 
-void TestIniFile::loneHalfOfACharacterDoesNotSpoilTheRest()
+void tst_IniFile::loneHalfOfACharacterDoesNotSpoilTheRest()
 {
     const QString high = QChar(0xd842);
     const QString low = QChar(0xdfb7);
@@ -219,7 +219,7 @@ void TestIniFile::loneHalfOfACharacterDoesNotSpoilTheRest()
     QCOMPARE(read(ini(), "D").toString(), QStringLiteral("𠮷"));
 }
 
-void TestIniFile::ownCodecNeverStandsInForUtf8()
+void tst_IniFile::ownCodecNeverStandsInForUtf8()
 {
     const QTextCodec *before = QTextCodec::codecForName("UTF-8");
     QVERIFY(writeIniFile(ini(), {{"Text", "𠮷"}}));
@@ -229,7 +229,7 @@ void TestIniFile::ownCodecNeverStandsInForUtf8()
     QCOMPARE(before->name(), QByteArray("UTF-8"));
 }
 
-void TestIniFile::doubleSurvivesBitForBit()
+void tst_IniFile::doubleSurvivesBitForBit()
 {
     using Limits = std::numeric_limits<double>;
     QVector<double> numbers{0.0,           0.1,          1.0 / 3.0,          6.6,
@@ -247,7 +247,7 @@ void TestIniFile::doubleSurvivesBitForBit()
         QCOMPARE(bitsOf(file->value(values[i].first).toDouble()), bitsOf(numbers[i]));
 }
 
-void TestIniFile::everyByteSurvives()
+void tst_IniFile::everyByteSurvives()
 {
     QByteArray bytes;
     for (int i = 0; i < 256; ++i)
@@ -258,7 +258,7 @@ void TestIniFile::everyByteSurvives()
     QCOMPARE(read(ini(), "None").toByteArray(), QByteArray());
 }
 
-void TestIniFile::fileIsWhatTheToolkitWrites()
+void tst_IniFile::fileIsWhatTheToolkitWrites()
 {
     const Values values{
         {"Real", 6.6},       {"Flag", true},   {"Geometry", QByteArray("\x01\xd9\xd0\xcb", 4)},
@@ -275,7 +275,7 @@ void TestIniFile::fileIsWhatTheToolkitWrites()
     QVERIFY(contentsOf(ini()).contains("Real=6.6\n"));
 }
 
-void TestIniFile::otherKeysAndGroupsStay()
+void tst_IniFile::otherKeysAndGroupsStay()
 {
     writeFile(ini(),
               "[General]\nCenterX=1\nMine=\"a, b\"\nList=a, b\n\n[other]\nText=写真 𠮷\nDeep\\Key=7\n");
@@ -290,7 +290,7 @@ void TestIniFile::otherKeysAndGroupsStay()
     QCOMPARE(file->allKeys().size(), 6);
 }
 
-void TestIniFile::emptyFileAndNoValues()
+void tst_IniFile::emptyFileAndNoValues()
 {
     writeFile(ini(), "");
     QVERIFY(writeIniFile(ini(), {{"A", 1}}));
@@ -300,14 +300,14 @@ void TestIniFile::emptyFileAndNoValues()
     QCOMPARE(contentsOf(ini()), before);
 }
 
-void TestIniFile::missingFolderIsMade()
+void tst_IniFile::missingFolderIsMade()
 {
     const QString path = in("new/deep/circle.ini");
     QVERIFY(writeIniFile(path, {{"Radius", 5}}));
     QCOMPARE(contentsOf(path), QByteArray("[General]\nRadius=5\n"));
 }
 
-void TestIniFile::linkToTheFileStaysALink()
+void tst_IniFile::linkToTheFileStaysALink()
 {
     writeFile(in("real.ini"), "[General]\nA=1\n");
     QVERIFY(QFile::link(in("real.ini"), ini()));
@@ -316,7 +316,7 @@ void TestIniFile::linkToTheFileStaysALink()
     QCOMPARE(contentsOf(in("real.ini")), QByteArray("[General]\nA=1\nB=2\n"));
 }
 
-void TestIniFile::absentKeyGivesDefault()
+void tst_IniFile::absentKeyGivesDefault()
 {
     State state{false, 1, 1.0, "x", "y"};
     loadSettings(in("missing.ini"), state.settings());
@@ -328,7 +328,7 @@ void TestIniFile::absentKeyGivesDefault()
     QCOMPARE(namesIn(m_folder->path()), QStringList());
 }
 
-void TestIniFile::presentButEmptyKeyIsNotAbsent()
+void tst_IniFile::presentButEmptyKeyIsNotAbsent()
 {
     State state;
     writeFile(ini(), "Bytes=\nFlag=\nNumber=\nReal=\nText=\n");
@@ -340,7 +340,7 @@ void TestIniFile::presentButEmptyKeyIsNotAbsent()
     QCOMPARE(state.bytes, QByteArray());
 }
 
-void TestIniFile::hostileValueConverts_data()
+void tst_IniFile::hostileValueConverts_data()
 {
     QTest::addColumn<QByteArray>("value");
     QTest::addColumn<bool>("flag");
@@ -386,7 +386,7 @@ void TestIniFile::hostileValueConverts_data()
     row("１", true, 0, 0.0, "１");
 }
 
-void TestIniFile::hostileValueConverts()
+void tst_IniFile::hostileValueConverts()
 {
     QFETCH(QByteArray, value);
     QFETCH(double, real);
@@ -412,14 +412,14 @@ void TestIniFile::hostileValueConverts()
     QCOMPARE(next.bytes, state.bytes);
 }
 
-void TestIniFile::textWithCommaIsAList()
+void tst_IniFile::textWithCommaIsAList()
 {
     writeFile(ini(), "Text=a, b\n");
     QCOMPARE(read(ini(), "Text").toStringList(), (QStringList{"a", "b"}));
     QCOMPARE(read(ini(), "Text").toString(), QString());
 }
 
-void TestIniFile::settingsSurviveInAnotherProcess()
+void tst_IniFile::settingsSurviveInAnotherProcess()
 {
     State state{false, -7, 0.1, "/写真/𠮷.jpg", QByteArray("\0\xff)", 3)};
     QCOMPARE(inChild([&] { return saveSettings(ini(), state.settings()); }), Answer::Yes);
@@ -434,7 +434,7 @@ void TestIniFile::settingsSurviveInAnotherProcess()
     QCOMPARE(next.bytes, state.bytes);
 }
 
-void TestIniFile::settingsAreTakenInOrder()
+void tst_IniFile::settingsAreTakenInOrder()
 {
     QStringList taken;
     QVector<Setting> settings;
@@ -446,7 +446,7 @@ void TestIniFile::settingsAreTakenInOrder()
     QCOMPARE(taken, (QStringList{"Zebra", "Apple", "Middle"}));
 }
 
-void TestIniFile::settingsFileIsReadAsParameterFile()
+void tst_IniFile::settingsFileIsReadAsParameterFile()
 {
     int x = 512;
     int y = -3;
@@ -460,7 +460,7 @@ void TestIniFile::settingsFileIsReadAsParameterFile()
     QCOMPARE(parameters->value("Radius", 0).toInt(), 0);
 }
 
-void TestIniFile::loadAfterSaveSeesNewValues()
+void tst_IniFile::loadAfterSaveSeesNewValues()
 {
     for (int i = 100; i < 115; ++i) { // always the same size, within one tick of the file's clock
         State state;
@@ -472,7 +472,7 @@ void TestIniFile::loadAfterSaveSeesNewValues()
     }
 }
 
-void TestIniFile::changedFileOfSameSizeAndTimeIsReadAnew()
+void tst_IniFile::changedFileOfSameSizeAndTimeIsReadAnew()
 {
     writeFile(ini(), "[main]\ntitle=first\n");
     const QDateTime time = QFileInfo(ini()).lastModified();
@@ -486,7 +486,7 @@ void TestIniFile::changedFileOfSameSizeAndTimeIsReadAnew()
     QCOMPARE(read(ini(), "main/title").toString(), QStringLiteral("other"));
 }
 
-void TestIniFile::hostileFileIsReadAndSaved_data()
+void tst_IniFile::hostileFileIsReadAndSaved_data()
 {
     QTest::addColumn<QByteArray>("contents");
     std::mt19937 random(11); // NOLINT(cert-msc51-cpp): the same noise in every run
@@ -515,7 +515,7 @@ void TestIniFile::hostileFileIsReadAndSaved_data()
     QTest::newRow("the same key twice") << QByteArray("Number=1\nNumber=2\n[General]\nNumber=3\n");
 }
 
-void TestIniFile::hostileFileIsReadAndSaved()
+void tst_IniFile::hostileFileIsReadAndSaved()
 {
     QFETCH(QByteArray, contents);
     writeFile(ini(), contents);
@@ -534,7 +534,7 @@ void TestIniFile::hostileFileIsReadAndSaved()
     QCOMPARE(next.bytes, meant.bytes);
 }
 
-void TestIniFile::valueThatAsksForAllMemoryIsRefused()
+void tst_IniFile::valueThatAsksForAllMemoryIsRefused()
 {
     const QByteArray contents = "[General]\nNumber=7\nText=@Variant(\\0\\0\\0\\v\\x7f\\xff\\xff\\xff)\n";
     writeFile(ini(), contents);
@@ -546,7 +546,7 @@ void TestIniFile::valueThatAsksForAllMemoryIsRefused()
     QCOMPARE(contentsOf(ini()), contents);
 }
 
-void TestIniFile::folderInPlaceOfTheFile()
+void tst_IniFile::folderInPlaceOfTheFile()
 {
     QVERIFY(QDir(m_folder->path()).mkdir("ovmic.ini"));
     writeFile(in("ovmic.ini/inside"), "x");
@@ -558,7 +558,7 @@ void TestIniFile::folderInPlaceOfTheFile()
     QCOMPARE(namesIn(ini()), QStringList{"inside"});
 }
 
-void TestIniFile::pipeInPlaceOfTheFile()
+void tst_IniFile::pipeInPlaceOfTheFile()
 {
     QCOMPARE(mkfifo(QFile::encodeName(ini()).constData(), 0600), 0);
     State state;
@@ -567,7 +567,7 @@ void TestIniFile::pipeInPlaceOfTheFile()
     QVERIFY(!saveSettings(ini(), state.settings()));
 }
 
-void TestIniFile::unreadableFileIsLeftAlone()
+void tst_IniFile::unreadableFileIsLeftAlone()
 {
     const QByteArray contents = "[General]\nNumber=7\n";
     writeFile(ini(), contents);
@@ -589,7 +589,7 @@ void TestIniFile::unreadableFileIsLeftAlone()
     QCOMPARE(asOrdinaryUser(save), Answer::Yes); // it was the permission, nothing else
 }
 
-void TestIniFile::readOnlyFolderIsRefused()
+void tst_IniFile::readOnlyFolderIsRefused()
 {
     const QByteArray contents = "[General]\nNumber=7\n";
     writeFile(ini(), contents);
@@ -603,7 +603,7 @@ void TestIniFile::readOnlyFolderIsRefused()
     QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
-void TestIniFile::workFolderIsReplacedWhenUnusable()
+void tst_IniFile::workFolderIsReplacedWhenUnusable()
 {
     writeFile(ini(), "[General]\nNumber=7\n");
     const auto saveAndLoad = [&] {
@@ -615,7 +615,7 @@ void TestIniFile::workFolderIsReplacedWhenUnusable()
     QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
-void TestIniFile::fullDiskLeavesOldFile()
+void tst_IniFile::fullDiskLeavesOldFile()
 {
     QVERIFY(writeIniFile(in("complete.ini"), manyValues(1)));
     const qint64 size = QFileInfo(in("complete.ini")).size();
@@ -633,7 +633,7 @@ void TestIniFile::fullDiskLeavesOldFile()
     QCOMPARE(contentsOf(ini()), contentsOf(in("complete.ini")));
 }
 
-void TestIniFile::fullSmallDiskLeavesOldFile()
+void tst_IniFile::fullSmallDiskLeavesOldFile()
 {
     const SmallDisk disk(m_folder->path(), "64k");
     if (!disk.isMounted()) {
@@ -654,7 +654,7 @@ void TestIniFile::fullSmallDiskLeavesOldFile()
     QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
-void TestIniFile::killedProcessLeavesWholeFile()
+void tst_IniFile::killedProcessLeavesWholeFile()
 {
     QVERIFY(QDir(m_folder->path()).mkdir("work"));
     std::mt19937 random(20261122); // NOLINT(cert-msc51-cpp): the same moments in every run
@@ -672,7 +672,7 @@ void TestIniFile::killedProcessLeavesWholeFile()
     }
 }
 
-void TestIniFile::twoWritersLeaveOneWholeFile()
+void tst_IniFile::twoWritersLeaveOneWholeFile()
 {
     const auto writer = [&](int set) {
         return [this, set] {
@@ -694,5 +694,5 @@ void TestIniFile::twoWritersLeaveOneWholeFile()
     QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
 }
 
-QTEST_GUILESS_MAIN(TestIniFile)
+QTEST_GUILESS_MAIN(tst_IniFile)
 #include "tst_inifile.moc"

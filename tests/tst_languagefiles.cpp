@@ -47,7 +47,7 @@ QStringList sorted(QStringList list)
 } // namespace
 
 /// The language files that come with the program.
-class LanguageFilesTest : public QObject
+class tst_LanguageFiles : public QObject
 {
     Q_OBJECT
 
@@ -136,5 +136,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(LanguageFilesTest)
+QTEST_GUILESS_MAIN(tst_LanguageFiles)
 #include "tst_languagefiles.moc"

@@ -32,7 +32,7 @@ QStringList entries(const QMenu &menu)
 
 /// The main window's form on a plain window: names, order, places and texts are what slots, language files and
 /// the tab key rely on.
-class MainWindowFormTest : public QObject
+class tst_MainWindowForm : public QObject
 {
     Q_OBJECT
 
@@ -286,5 +286,5 @@ private:
     Ui::MainWindow ui;
 };
 
-QTEST_MAIN(MainWindowFormTest)
+QTEST_MAIN(tst_MainWindowForm)
 #include "tst_mainwindowform.moc"

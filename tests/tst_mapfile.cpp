@@ -29,7 +29,7 @@ QImage map(int width, int height, uint seed = 1)
 
 } // namespace
 
-class TestMapFile : public QObject
+class tst_MapFile : public QObject
 {
     Q_OBJECT
 
@@ -57,18 +57,18 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
 };
 
-void TestMapFile::init()
+void tst_MapFile::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
 }
 
-void TestMapFile::cleanup()
+void tst_MapFile::cleanup()
 {
     m_folder.reset();
 }
 
-void TestMapFile::bytesAreThoseOfImageSave_data()
+void tst_MapFile::bytesAreThoseOfImageSave_data()
 {
     QTest::addColumn<QImage>("image");
     QTest::addColumn<QByteArray>("format");
@@ -83,7 +83,7 @@ void TestMapFile::bytesAreThoseOfImageSave_data()
     }
 }
 
-void TestMapFile::bytesAreThoseOfImageSave()
+void tst_MapFile::bytesAreThoseOfImageSave()
 {
     QFETCH(QImage, image);
     QFETCH(QByteArray, format);
@@ -94,7 +94,7 @@ void TestMapFile::bytesAreThoseOfImageSave()
     QCOMPARE(contentsOf(in("actual")), contentsOf(in("expected")));
 }
 
-void TestMapFile::formatDecidesNotTheExtension_data()
+void tst_MapFile::formatDecidesNotTheExtension_data()
 {
     QTest::addColumn<QByteArray>("format");
     QTest::addColumn<QString>("name");
@@ -108,7 +108,7 @@ void TestMapFile::formatDecidesNotTheExtension_data()
     QTest::newRow("PNG under an unknown ending") << QByteArray("png") << "map.txt" << QByteArray("\x89PNG");
 }
 
-void TestMapFile::formatDecidesNotTheExtension()
+void tst_MapFile::formatDecidesNotTheExtension()
 {
     QFETCH(QByteArray, format);
     QFETCH(QString, name);
@@ -118,7 +118,7 @@ void TestMapFile::formatDecidesNotTheExtension()
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{name});
 }
 
-void TestMapFile::unfilledAreasAreTransparentInPngAndBlackInJpeg()
+void tst_MapFile::unfilledAreasAreTransparentInPngAndBlackInJpeg()
 {
     QImage empty(16, 16, QImage::Format_ARGB32_Premultiplied);
     empty.fill(Qt::transparent);
@@ -128,7 +128,7 @@ void TestMapFile::unfilledAreasAreTransparentInPngAndBlackInJpeg()
     QCOMPARE(QImage(in("map.jpg")).pixel(7, 7), qRgb(0, 0, 0));
 }
 
-void TestMapFile::whatCannotBeEncodedTouchesNothing_data()
+void tst_MapFile::whatCannotBeEncodedTouchesNothing_data()
 {
     QTest::addColumn<QImage>("image");
     QTest::addColumn<QByteArray>("format");
@@ -138,7 +138,7 @@ void TestMapFile::whatCannotBeEncodedTouchesNothing_data()
     QTest::newRow("unknown format") << map(8, 4) << QByteArray("no such format");
 }
 
-void TestMapFile::whatCannotBeEncodedTouchesNothing()
+void tst_MapFile::whatCannotBeEncodedTouchesNothing()
 {
     QFETCH(QImage, image);
     QFETCH(QByteArray, format);
@@ -149,7 +149,7 @@ void TestMapFile::whatCannotBeEncodedTouchesNothing()
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"old"});
 }
 
-void TestMapFile::fullDiskLeavesOldMap_data()
+void tst_MapFile::fullDiskLeavesOldMap_data()
 {
     QTest::addColumn<QByteArray>("format");
     QTest::addColumn<int>("width");
@@ -159,7 +159,7 @@ void TestMapFile::fullDiskLeavesOldMap_data()
     }
 }
 
-void TestMapFile::fullDiskLeavesOldMap()
+void tst_MapFile::fullDiskLeavesOldMap()
 {
     QFETCH(QByteArray, format);
     QFETCH(int, width);
@@ -178,7 +178,7 @@ void TestMapFile::fullDiskLeavesOldMap()
     QCOMPARE(contentsOf(in("map")), contentsOf(in("complete")));
 }
 
-void TestMapFile::fullSmallDiskLeavesOldMap()
+void tst_MapFile::fullSmallDiskLeavesOldMap()
 {
     const SmallDisk disk(m_folder->path(), "64k");
     if (!disk.isMounted()) {
@@ -193,7 +193,7 @@ void TestMapFile::fullSmallDiskLeavesOldMap()
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"map.png"});
 }
 
-void TestMapFile::missingFolderAndFolderAsTarget()
+void tst_MapFile::missingFolderAndFolderAsTarget()
 {
     QVERIFY(!saveMap(map(8, 4), in("missing/map.png"), "png", 85));
     QVERIFY(!saveMap(map(8, 4), m_folder->path(), "png", 85));
@@ -201,7 +201,7 @@ void TestMapFile::missingFolderAndFolderAsTarget()
     QVERIFY(QDir(m_folder->path()).isEmpty());
 }
 
-void TestMapFile::writableMapInReadOnlyFolderIsReplaced()
+void tst_MapFile::writableMapInReadOnlyFolderIsReplaced()
 {
     writeFile(in("map.png"), "old map");
     QVERIFY(saveMap(map(8, 4), in("expected.png"), "png", 85));
@@ -221,7 +221,7 @@ void TestMapFile::writableMapInReadOnlyFolderIsReplaced()
     QCOMPARE(contentsOf(in("map.png")), contentsOf(in("expected.png")));
 }
 
-void TestMapFile::killedProcessLeavesWholeMap()
+void tst_MapFile::killedProcessLeavesWholeMap()
 {
     const QString path = in("map.jpg");
     const QImage first = map(400, 200, 1);
@@ -243,5 +243,5 @@ void TestMapFile::killedProcessLeavesWholeMap()
     }
 }
 
-QTEST_GUILESS_MAIN(TestMapFile)
+QTEST_GUILESS_MAIN(tst_MapFile)
 #include "tst_mapfile.moc"

@@ -27,7 +27,7 @@ ModalDriver::Message question(QMessageBox::StandardButton press)
 } // namespace
 
 /// The driver is what makes a missing or a wrong modal window fail a test, so its own failures are tested.
-class ModalDriverTest : public QObject
+class tst_ModalDriver : public QObject
 {
     Q_OBJECT
 
@@ -203,5 +203,5 @@ private slots:
     }
 };
 
-QTEST_MAIN(ModalDriverTest)
+QTEST_MAIN(tst_ModalDriver)
 #include "tst_modaldriver.moc"

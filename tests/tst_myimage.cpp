@@ -24,7 +24,7 @@ public:
 
 } // namespace
 
-class TestMyImage : public QObject
+class tst_MyImage : public QObject
 {
     Q_OBJECT
 
@@ -71,7 +71,7 @@ private slots:
     void paintsNothingWithoutAPicture();
 };
 
-void TestMyImage::declaresItsSignalsInOrder()
+void tst_MyImage::declaresItsSignalsInOrder()
 {
     const QMetaObject &meta = MyImage::staticMetaObject;
     QStringList signatures;
@@ -86,7 +86,7 @@ void TestMyImage::declaresItsSignalsInOrder()
     QCOMPARE(meta.superClass(), &QLabel::staticMetaObject);
 }
 
-void TestMyImage::startsIdle()
+void tst_MyImage::startsIdle()
 {
     QWidget parent;
     const MyImage label(&parent);
@@ -97,7 +97,7 @@ void TestMyImage::startsIdle()
     QCOMPARE(label.pressPos, QPoint(0, 0));
 }
 
-void TestMyImage::reportsNothingWithoutAPicture_data()
+void tst_MyImage::reportsNothingWithoutAPicture_data()
 {
     QTest::addColumn<bool>("wasCleared");
     QTest::addColumn<bool>("selectMode");
@@ -107,7 +107,7 @@ void TestMyImage::reportsNothingWithoutAPicture_data()
     QTest::newRow("given a null one, circle mode") << true << true;
 }
 
-void TestMyImage::reportsNothingWithoutAPicture()
+void tst_MyImage::reportsNothingWithoutAPicture()
 {
     QFETCH(bool, wasCleared);
     QFETCH(bool, selectMode);
@@ -127,7 +127,7 @@ void TestMyImage::reportsNothingWithoutAPicture()
     QCOMPARE(reports.take(), QStringList());
 }
 
-void TestMyImage::hoversSilentlyWithoutAPicture()
+void tst_MyImage::hoversSilentlyWithoutAPicture()
 {
     MyImage label;
     label.setMouseTracking(true); // as its owner does: without it no hover arrives
@@ -137,7 +137,7 @@ void TestMyImage::hoversSilentlyWithoutAPicture()
     QCOMPARE(reports.take(), QStringList());
 }
 
-void TestMyImage::reportsTheRightClickWithoutAPicture()
+void tst_MyImage::reportsTheRightClickWithoutAPicture()
 {
     MyImage label;
     Reports reports(label);
@@ -148,7 +148,7 @@ void TestMyImage::reportsTheRightClickWithoutAPicture()
     QCOMPARE(reports.take(), QStringList({"mouserightup"}));
 }
 
-void TestMyImage::reportsThePressInPicturePixels_data()
+void tst_MyImage::reportsThePressInPicturePixels_data()
 {
     QTest::addColumn<QSize>("picture");
     QTest::addColumn<bool>("scaled");
@@ -167,7 +167,7 @@ void TestMyImage::reportsThePressInPicturePixels_data()
         << QSize(300, 225) << true << QPoint(-1, -3) << "mouseleftdown -1 -4";
 }
 
-void TestMyImage::reportsThePressInPicturePixels()
+void tst_MyImage::reportsThePressInPicturePixels()
 {
     QFETCH(QSize, picture);
     QFETCH(bool, scaled);
@@ -186,7 +186,7 @@ void TestMyImage::reportsThePressInPicturePixels()
     QCOMPARE(label.pressPos, position);
 }
 
-void TestMyImage::beginsAnewWhenTheRightButtonJoins()
+void tst_MyImage::beginsAnewWhenTheRightButtonJoins()
 {
     MyImage label;
     label.setPixmap(pattern(50, 50));
@@ -198,7 +198,7 @@ void TestMyImage::beginsAnewWhenTheRightButtonJoins()
     QCOMPARE(label.rightDown, true);
 }
 
-void TestMyImage::ignoresTheRightButtonOfALeftPressWithoutAPicture()
+void tst_MyImage::ignoresTheRightButtonOfALeftPressWithoutAPicture()
 {
     MyImage label;
     Reports reports(label);
@@ -208,7 +208,7 @@ void TestMyImage::ignoresTheRightButtonOfALeftPressWithoutAPicture()
     QCOMPARE(reports.take(), QStringList());
 }
 
-void TestMyImage::ignoresTheMiddleButton()
+void tst_MyImage::ignoresTheMiddleButton()
 {
     MyImage label;
     label.setPixmap(pattern(50, 50));
@@ -220,7 +220,7 @@ void TestMyImage::ignoresTheMiddleButton()
     QCOMPARE(label.leftDown, false);
 }
 
-void TestMyImage::reportsEveryMoveOfADrag_data()
+void tst_MyImage::reportsEveryMoveOfADrag_data()
 {
     QTest::addColumn<bool>("scaled");
     QTest::addColumn<QPoint>("position");
@@ -238,7 +238,7 @@ void TestMyImage::reportsEveryMoveOfADrag_data()
         << true << QPoint(-1, -3) << "size_changing 75 50 -2 -7 75 50 -2 -7";
 }
 
-void TestMyImage::reportsEveryMoveOfADrag()
+void tst_MyImage::reportsEveryMoveOfADrag()
 {
     QFETCH(bool, scaled);
     QFETCH(QPoint, position);
@@ -255,7 +255,7 @@ void TestMyImage::reportsEveryMoveOfADrag()
     QCOMPARE(reports.take(), QStringList({expected, expected}));
 }
 
-void TestMyImage::reportsAHorizontalDragWithLevelCorners()
+void tst_MyImage::reportsAHorizontalDragWithLevelCorners()
 {
     MyImage label;
     label.setPixmap(pattern(50, 50));
@@ -265,7 +265,7 @@ void TestMyImage::reportsAHorizontalDragWithLevelCorners()
     QCOMPARE(reports.take(), QStringList({"size_changing 10 10 10 10 40 10 40 10"}));
 }
 
-void TestMyImage::keepsAOnePixelBackwardDragAsItIs()
+void tst_MyImage::keepsAOnePixelBackwardDragAsItIs()
 {
     MyImage label;
     label.setPixmap(pattern(50, 50));
@@ -276,7 +276,7 @@ void TestMyImage::keepsAOnePixelBackwardDragAsItIs()
     QCOMPARE(reports.take(), QStringList({"size_changing 10 10 10 8 9 10 9 8", "size_changed 10 10 0"}));
 }
 
-void TestMyImage::dragsInCircleModeToo()
+void tst_MyImage::dragsInCircleModeToo()
 {
     MyImage label;
     label.selectMode = true;
@@ -287,7 +287,7 @@ void TestMyImage::dragsInCircleModeToo()
     QCOMPARE(reports.take(), QStringList({"mouseleftdown 10 10", "size_changing 10 10 10 10 12 13 12 13"}));
 }
 
-void TestMyImage::reportsANewCircleOnRelease_data()
+void tst_MyImage::reportsANewCircleOnRelease_data()
 {
     QTest::addColumn<bool>("scaled");
     QTest::addColumn<QPoint>("position");
@@ -302,7 +302,7 @@ void TestMyImage::reportsANewCircleOnRelease_data()
         << true << QPoint(41, 21) << "size_changed 77 52 27";
 }
 
-void TestMyImage::reportsANewCircleOnRelease()
+void tst_MyImage::reportsANewCircleOnRelease()
 {
     QFETCH(bool, scaled);
     QFETCH(QPoint, position);
@@ -320,7 +320,7 @@ void TestMyImage::reportsANewCircleOnRelease()
     QCOMPARE(label.selectMode, false);
 }
 
-void TestMyImage::reportsTheReleaseInCircleMode()
+void tst_MyImage::reportsTheReleaseInCircleMode()
 {
     MyImage label;
     label.resize(100, 60);
@@ -334,7 +334,7 @@ void TestMyImage::reportsTheReleaseInCircleMode()
     QCOMPARE(label.leftDown, false);
 }
 
-void TestMyImage::looksAtTheModeOnceWhenReleased()
+void tst_MyImage::looksAtTheModeOnceWhenReleased()
 {
     // The owner sets the mode when it accepts the new circle; the same release must not edit it at once.
     MyImage label;
@@ -351,7 +351,7 @@ void TestMyImage::looksAtTheModeOnceWhenReleased()
     QCOMPARE(reports.take(), QStringList({"mouseleftdown 40 40", "mouseleftup 40 40"}));
 }
 
-void TestMyImage::keepsTheDragWhileTheLeftButtonIsHeld()
+void tst_MyImage::keepsTheDragWhileTheLeftButtonIsHeld()
 {
     MyImage label;
     label.setPixmap(pattern(50, 50));
@@ -366,7 +366,7 @@ void TestMyImage::keepsTheDragWhileTheLeftButtonIsHeld()
     QCOMPARE(reports.take(), QStringList({"size_changed 10 10 11"}));
 }
 
-void TestMyImage::keepsItsFlagsWhenThePictureVanished()
+void tst_MyImage::keepsItsFlagsWhenThePictureVanished()
 {
     MyImage label;
     for (const bool selectMode : {false, true}) {
@@ -390,7 +390,7 @@ void TestMyImage::keepsItsFlagsWhenThePictureVanished()
     }
 }
 
-void TestMyImage::reportsARightClickAlone()
+void tst_MyImage::reportsARightClickAlone()
 {
     for (const bool selectMode : {false, true}) {
         MyImage label;
@@ -404,7 +404,7 @@ void TestMyImage::reportsARightClickAlone()
     }
 }
 
-void TestMyImage::reportsBothButtonsReleasedAtOnce()
+void tst_MyImage::reportsBothButtonsReleasedAtOnce()
 {
     MyImage label;
     label.setPixmap(pattern(50, 50));
@@ -414,7 +414,7 @@ void TestMyImage::reportsBothButtonsReleasedAtOnce()
     QCOMPARE(reports.take(), QStringList({"size_changed 10 10 3", "mouserightup"}));
 }
 
-void TestMyImage::hoversOnlyInCircleMode()
+void tst_MyImage::hoversOnlyInCircleMode()
 {
     MyImage label;
     label.setMouseTracking(true); // as its owner does: without it no hover arrives
@@ -430,7 +430,7 @@ void TestMyImage::hoversOnlyInCircleMode()
     QCOMPARE(reports.take(), QStringList({"mouse_move 20 22", "mouse_move 20 24"}));
 }
 
-void TestMyImage::passesIdleMovesOn()
+void tst_MyImage::passesIdleMovesOn()
 {
     // The base class leaves a move to the parent; a move that is used stays here.
     MyImage label;
@@ -441,7 +441,7 @@ void TestMyImage::passesIdleMovesOn()
     QVERIFY(move(label, {1, 1}, noButton));
 }
 
-void TestMyImage::neverReportsAClick()
+void tst_MyImage::neverReportsAClick()
 {
     MyImage label;
     label.setPixmap(pattern(50, 50));
@@ -455,7 +455,7 @@ void TestMyImage::neverReportsAClick()
     QCOMPARE(clicks.count(), 0);
 }
 
-void TestMyImage::survivesPositionsFarAway()
+void tst_MyImage::survivesPositionsFarAway()
 {
     MyImage label;
     label.resize(100, 60);
@@ -473,7 +473,7 @@ void TestMyImage::survivesPositionsFarAway()
     }
 }
 
-void TestMyImage::paintsTheWholePictureFitted_data()
+void tst_MyImage::paintsTheWholePictureFitted_data()
 {
     QTest::addColumn<QSize>("widget");
     QTest::addColumn<QSize>("picture");
@@ -484,7 +484,7 @@ void TestMyImage::paintsTheWholePictureFitted_data()
     QTest::newRow("same size") << QSize(100, 90) << QSize(100, 90) << QSize(100, 90);
 }
 
-void TestMyImage::paintsTheWholePictureFitted()
+void tst_MyImage::paintsTheWholePictureFitted()
 {
     QFETCH(QSize, widget);
     QFETCH(QSize, picture);
@@ -506,7 +506,7 @@ void TestMyImage::paintsTheWholePictureFitted()
     QCOMPARE(painted(label), expected);
 }
 
-void TestMyImage::paintsThePictureOneToOne()
+void tst_MyImage::paintsThePictureOneToOne()
 {
     MyImage label;
     label.setFrameShape(QFrame::Box);
@@ -523,7 +523,7 @@ void TestMyImage::paintsThePictureOneToOne()
     QCOMPARE(painted(label), expected);
 }
 
-void TestMyImage::paintsNothingWithoutAPicture_data()
+void tst_MyImage::paintsNothingWithoutAPicture_data()
 {
     QTest::addColumn<bool>("wasCleared");
     QTest::addColumn<bool>("scaled");
@@ -533,7 +533,7 @@ void TestMyImage::paintsNothingWithoutAPicture_data()
     QTest::newRow("given a null one, scaled") << true << true;
 }
 
-void TestMyImage::paintsNothingWithoutAPicture()
+void tst_MyImage::paintsNothingWithoutAPicture()
 {
     QFETCH(bool, wasCleared);
     QFETCH(bool, scaled);
@@ -551,5 +551,5 @@ void TestMyImage::paintsNothingWithoutAPicture()
     QCOMPARE(painted(label), expected);
 }
 
-QTEST_MAIN(TestMyImage)
+QTEST_MAIN(tst_MyImage)
 #include "tst_myimage.moc"

@@ -78,7 +78,7 @@ public:
 
 } // namespace
 
-class OptionTest : public QObject
+class tst_Option : public QObject
 {
     Q_OBJECT
 
@@ -163,7 +163,6 @@ private slots:
     }
 
     // -- texts
-    // ------------------------------------------------------------------------------------------------
 
     void builtInTexts_withoutLanguageFile()
     {
@@ -257,7 +256,6 @@ private slots:
     }
 
     // -- filling the fields
-    // -----------------------------------------------------------------------------------
 
     void exec_fillsTheFields()
     {
@@ -331,7 +329,6 @@ private slots:
     }
 
     // -- accepting
-    // --------------------------------------------------------------------------------------------
 
     void ok_takesEveryField()
     {
@@ -441,7 +438,6 @@ private slots:
     }
 
     // -- refusing
-    // ---------------------------------------------------------------------------------------------
 
     void valueOutOfRange_isRefusedAndSelected_data()
     {
@@ -600,7 +596,6 @@ private slots:
     }
 
     // -- default values
-    // ---------------------------------------------------------------------------------------
 
     void defaultsThenCancel_leaveTheMembers()
     {
@@ -645,7 +640,6 @@ private slots:
     }
 
     // -- the Return key
-    // ---------------------------------------------------------------------------------------
 
     void returnInAnyLineEdit_cancels_data()
     {
@@ -749,5 +743,5 @@ private:
     QTemporaryDir m_folder;
 };
 
-QTEST_MAIN(OptionTest)
+QTEST_MAIN(tst_Option)
 #include "tst_option.moc"

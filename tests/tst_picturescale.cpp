@@ -14,7 +14,7 @@ constexpr bool oneToOne = false;
 
 Q_DECLARE_METATYPE(PictureDrag)
 
-class TestPictureScale : public QObject
+class tst_PictureScale : public QObject
 {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ private slots:
     void measuresDragsAcrossTheWholeRange();
 };
 
-void TestPictureScale::mapsPositions_data()
+void tst_PictureScale::mapsPositions_data()
 {
     QTest::addColumn<QSize>("widget");
     QTest::addColumn<QSize>("picture");
@@ -62,7 +62,7 @@ void TestPictureScale::mapsPositions_data()
         << QSize(3, 3) << QSize(1, 1) << fitted << 3 << 1;
 }
 
-void TestPictureScale::mapsPositions()
+void tst_PictureScale::mapsPositions()
 {
     QFETCH(QSize, widget);
     QFETCH(QSize, picture);
@@ -75,13 +75,13 @@ void TestPictureScale::mapsPositions()
     QCOMPARE(scale.toPicture(QPoint(coordinate, coordinate)), QPoint(expected, expected));
 }
 
-void TestPictureScale::mapsEachCoordinateByItself()
+void tst_PictureScale::mapsEachCoordinateByItself()
 {
     const PictureScale scale(QSize(200, 100), QSize(500, 250), fitted);
     QCOMPARE(scale.toPicture(QPoint(3, -5)), QPoint(7, -12));
 }
 
-void TestPictureScale::fitsThePicture_data()
+void tst_PictureScale::fitsThePicture_data()
 {
     QTest::addColumn<QSize>("widget");
     QTest::addColumn<QSize>("picture");
@@ -96,7 +96,7 @@ void TestPictureScale::fitsThePicture_data()
         << QSize(100, 100) << QSize(1000, 9) << QSize(100, 0);
 }
 
-void TestPictureScale::fitsThePicture()
+void tst_PictureScale::fitsThePicture()
 {
     QFETCH(QSize, widget);
     QFETCH(QSize, picture);
@@ -105,7 +105,7 @@ void TestPictureScale::fitsThePicture()
     QCOMPARE(PictureScale(widget, picture, fitted).fittedRectangle(), QRectF(QPointF(0, 0), expected));
 }
 
-void TestPictureScale::coversThePixelUnderTheMouse()
+void tst_PictureScale::coversThePixelUnderTheMouse()
 {
     // Whatever is painted can be pointed at: the last widget pixel of the picture maps inside it.
     for (int width = 1; width <= 60; ++width) {
@@ -122,7 +122,7 @@ void TestPictureScale::coversThePixelUnderTheMouse()
     }
 }
 
-void TestPictureScale::mapsDrags_data()
+void tst_PictureScale::mapsDrags_data()
 {
     QTest::addColumn<bool>("isFitted");
     QTest::addColumn<QPoint>("press");
@@ -150,7 +150,7 @@ void TestPictureScale::mapsDrags_data()
         << fitted << P(1, 1) << P(-3, -5) << PictureDrag{P(2, 2), P(-7, -12), P(2, 2), P(-7, -12), 17};
 }
 
-void TestPictureScale::mapsDrags()
+void tst_PictureScale::mapsDrags()
 {
     QFETCH(bool, isFitted);
     QFETCH(QPoint, press);
@@ -165,7 +165,7 @@ void TestPictureScale::mapsDrags()
     QCOMPARE(drag.radius, expected.radius);
 }
 
-void TestPictureScale::answersForSizesWithoutExtent()
+void tst_PictureScale::answersForSizesWithoutExtent()
 {
     const PictureScale noWidget(QSize(0, 0), QSize(800, 600), fitted);
     QCOMPARE(noWidget.toPicture(1), INT_MIN); // infinite
@@ -180,7 +180,7 @@ void TestPictureScale::answersForSizesWithoutExtent()
     QCOMPARE(nothing.toPicture(17), 17);
 }
 
-void TestPictureScale::answersForHugeValues()
+void tst_PictureScale::answersForHugeValues()
 {
     const PictureScale scale(QSize(100, 100), QSize(30000, 30000), fitted);
     QCOMPARE(scale.toPicture(INT_MAX), INT_MIN);
@@ -193,7 +193,7 @@ void TestPictureScale::answersForHugeValues()
     QCOMPARE(unscaled.toPicture(INT_MIN), INT_MIN);
 }
 
-void TestPictureScale::measuresDragsAcrossTheWholeRange()
+void tst_PictureScale::measuresDragsAcrossTheWholeRange()
 {
     const PictureScale scale(QSize(100, 100), QSize(100, 100), oneToOne);
     const PictureDrag drag = scale.drag(QPoint(-1, 0), QPoint(INT_MAX, 0));
@@ -202,5 +202,5 @@ void TestPictureScale::measuresDragsAcrossTheWholeRange()
     QCOMPARE(scale.drag(QPoint(0, 0), QPoint(INT_MAX - 1, 0)).radius, INT_MAX);
 }
 
-QTEST_GUILESS_MAIN(TestPictureScale)
+QTEST_GUILESS_MAIN(tst_PictureScale)
 #include "tst_picturescale.moc"

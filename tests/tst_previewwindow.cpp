@@ -32,7 +32,7 @@ MyImage2 &labelOf(PreviewWindow &window)
 
 } // namespace
 
-class TestPreviewWindow : public QObject
+class tst_PreviewWindow : public QObject
 {
     Q_OBJECT
 
@@ -67,7 +67,7 @@ private slots:
     void paintsNothingWithoutAPicture();
 };
 
-void TestPreviewWindow::buildsItsForm()
+void tst_PreviewWindow::buildsItsForm()
 {
     PreviewWindow window;
     QCOMPARE(window.objectName(), QString("PreviewWindow"));
@@ -98,7 +98,7 @@ void TestPreviewWindow::buildsItsForm()
     QCOMPARE(window.menuBar()->actions().size(), 0);
 }
 
-void TestPreviewWindow::holdsTheObjectsOfItsForm()
+void tst_PreviewWindow::holdsTheObjectsOfItsForm()
 {
     PreviewWindow window;
     for (const char *name : {"centralwidget", "horizontalLayout", "scrollArea", "scrollAreaWidgetContents",
@@ -106,7 +106,7 @@ void TestPreviewWindow::holdsTheObjectsOfItsForm()
         QCOMPARE(window.findChildren<QObject *>(name).size(), 1);
 }
 
-void TestPreviewWindow::isAWindowOfItsOwn()
+void tst_PreviewWindow::isAWindowOfItsOwn()
 {
     QWidget parent;
     auto *window = new PreviewWindow(&parent);
@@ -119,7 +119,7 @@ void TestPreviewWindow::isAWindowOfItsOwn()
     QVERIFY(window->isVisible());
 }
 
-void TestPreviewWindow::declaresItsSignalsInOrder()
+void tst_PreviewWindow::declaresItsSignalsInOrder()
 {
     QCOMPARE(signalsOf(PreviewWindow::staticMetaObject), QStringList({"hidden()"}));
     QCOMPARE(
@@ -129,7 +129,7 @@ void TestPreviewWindow::declaresItsSignalsInOrder()
     QCOMPARE(MyImage2::staticMetaObject.superClass(), &QLabel::staticMetaObject);
 }
 
-void TestPreviewWindow::showsAnImage()
+void tst_PreviewWindow::showsAnImage()
 {
     PreviewWindow window;
     const QImage map = pattern(64, 32).toImage();
@@ -139,7 +139,7 @@ void TestPreviewWindow::showsAnImage()
     QCOMPARE(pictureOf(labelOf(window)).toImage(), map.mirrored());
 }
 
-void TestPreviewWindow::setsScalingAndMinimumSizeEveryTime()
+void tst_PreviewWindow::setsScalingAndMinimumSizeEveryTime()
 {
     PreviewWindow window;
     MyImage2 &label = labelOf(window);
@@ -153,7 +153,7 @@ void TestPreviewWindow::setsScalingAndMinimumSizeEveryTime()
     }
 }
 
-void TestPreviewWindow::keepsAnAlphaChannel()
+void tst_PreviewWindow::keepsAnAlphaChannel()
 {
     QImage map(8, 4, QImage::Format_ARGB32_Premultiplied);
     map.fill(Qt::transparent);
@@ -164,7 +164,7 @@ void TestPreviewWindow::keepsAnAlphaChannel()
     QVERIFY(pictureOf(labelOf(window)).hasAlphaChannel());
 }
 
-void TestPreviewWindow::takesANullImage()
+void tst_PreviewWindow::takesANullImage()
 {
     PreviewWindow window;
     window.setImage(pattern(64, 32).toImage());
@@ -173,7 +173,7 @@ void TestPreviewWindow::takesANullImage()
     QCOMPARE(labelOf(window).minimumSize(), QSize(320, 240));
 }
 
-void TestPreviewWindow::leavesTheCallersImageAlone()
+void tst_PreviewWindow::leavesTheCallersImageAlone()
 {
     QImage map(8, 4, QImage::Format_ARGB32);
     map.fill(QColor(10, 20, 30, 40));
@@ -185,7 +185,7 @@ void TestPreviewWindow::leavesTheCallersImageAlone()
     QCOMPARE(pictureOf(labelOf(window)).toImage().pixelColor(0, 0).alpha(), 40);
 }
 
-void TestPreviewWindow::ignoresAutoSize()
+void tst_PreviewWindow::ignoresAutoSize()
 {
     PreviewWindow window;
     window.setImage(pattern(64, 32).toImage());
@@ -196,7 +196,7 @@ void TestPreviewWindow::ignoresAutoSize()
     }
 }
 
-void TestPreviewWindow::reportsAndHidesWhenClosed()
+void tst_PreviewWindow::reportsAndHidesWhenClosed()
 {
     PreviewWindow window;
     QSignalSpy hidden(&window, &PreviewWindow::hidden);
@@ -206,7 +206,7 @@ void TestPreviewWindow::reportsAndHidesWhenClosed()
     QVERIFY(!window.isVisible());
 }
 
-void TestPreviewWindow::reportsBeforeItHides()
+void tst_PreviewWindow::reportsBeforeItHides()
 {
     PreviewWindow window;
     bool visibleWhenReported = false;
@@ -216,7 +216,7 @@ void TestPreviewWindow::reportsBeforeItHides()
     QVERIFY(visibleWhenReported);
 }
 
-void TestPreviewWindow::acceptsToBeClosed()
+void tst_PreviewWindow::acceptsToBeClosed()
 {
     // One window that refuses keeps the whole program from ending.
     PreviewWindow window;
@@ -225,7 +225,7 @@ void TestPreviewWindow::acceptsToBeClosed()
     QVERIFY(event.isAccepted());
 }
 
-void TestPreviewWindow::isNotReportedWhenItIsOnlyHidden()
+void tst_PreviewWindow::isNotReportedWhenItIsOnlyHidden()
 {
     PreviewWindow window;
     QSignalSpy hidden(&window, &PreviewWindow::hidden);
@@ -234,7 +234,7 @@ void TestPreviewWindow::isNotReportedWhenItIsOnlyHidden()
     QCOMPARE(hidden.count(), 0);
 }
 
-void TestPreviewWindow::keepsItsMapWhileHidden()
+void tst_PreviewWindow::keepsItsMapWhileHidden()
 {
     PreviewWindow window;
     const QImage map = pattern(64, 32).toImage();
@@ -246,7 +246,7 @@ void TestPreviewWindow::keepsItsMapWhileHidden()
     QCOMPARE(pictureOf(labelOf(window)).toImage(), map);
 }
 
-void TestPreviewWindow::reportsGestures()
+void tst_PreviewWindow::reportsGestures()
 {
     MyImage2 label;
     label.setPixmap(pattern(50, 50));
@@ -261,7 +261,7 @@ void TestPreviewWindow::reportsGestures()
                                           "mouseleftup 21 6", "size_changed 10 12 12"}));
 }
 
-void TestPreviewWindow::reportsScaledGestures()
+void tst_PreviewWindow::reportsScaledGestures()
 {
     MyImage2 label;
     label.resize(100, 60);
@@ -275,7 +275,7 @@ void TestPreviewWindow::reportsScaledGestures()
                                           "mouseleftup 102 52", "size_changed 77 52 27"}));
 }
 
-void TestPreviewWindow::reportsRightClicks()
+void tst_PreviewWindow::reportsRightClicks()
 {
     MyImage2 label;
     GestureReports reports(label);
@@ -287,7 +287,7 @@ void TestPreviewWindow::reportsRightClicks()
     QCOMPARE(label.rightDown, false);
 }
 
-void TestPreviewWindow::reportsNothingWithoutAPicture()
+void tst_PreviewWindow::reportsNothingWithoutAPicture()
 {
     MyImage2 label;
     label.setPixmap(QPixmap());
@@ -301,7 +301,7 @@ void TestPreviewWindow::reportsNothingWithoutAPicture()
     QCOMPARE(reports.take(), QStringList());
 }
 
-void TestPreviewWindow::keepsItsFlagsWhenThePictureVanished()
+void tst_PreviewWindow::keepsItsFlagsWhenThePictureVanished()
 {
     MyImage2 label;
     label.setPixmap(pattern(50, 50));
@@ -315,7 +315,7 @@ void TestPreviewWindow::keepsItsFlagsWhenThePictureVanished()
     QCOMPARE(label.rightDown, true);
 }
 
-void TestPreviewWindow::leavesIdleMovesToTheParent()
+void tst_PreviewWindow::leavesIdleMovesToTheParent()
 {
     MyImage2 label;
     label.setMouseTracking(true);
@@ -325,7 +325,7 @@ void TestPreviewWindow::leavesIdleMovesToTheParent()
     QCOMPARE(reports.take(), QStringList());
 }
 
-void TestPreviewWindow::paintsTheWholePictureFitted()
+void tst_PreviewWindow::paintsTheWholePictureFitted()
 {
     MyImage2 label;
     label.setFrameShape(QFrame::Box);
@@ -343,7 +343,7 @@ void TestPreviewWindow::paintsTheWholePictureFitted()
     QCOMPARE(painted(label), expected);
 }
 
-void TestPreviewWindow::paintsThePictureOneToOne()
+void tst_PreviewWindow::paintsThePictureOneToOne()
 {
     MyImage2 label;
     label.setFrameShape(QFrame::Box);
@@ -359,7 +359,7 @@ void TestPreviewWindow::paintsThePictureOneToOne()
     QCOMPARE(painted(label), expected);
 }
 
-void TestPreviewWindow::paintsNothingWithoutAPicture()
+void tst_PreviewWindow::paintsNothingWithoutAPicture()
 {
     MyImage2 label;
     label.setFrameShape(QFrame::Box);
@@ -373,5 +373,5 @@ void TestPreviewWindow::paintsNothingWithoutAPicture()
     QCOMPARE(painted(label), expected);
 }
 
-QTEST_MAIN(TestPreviewWindow)
+QTEST_MAIN(tst_PreviewWindow)
 #include "tst_previewwindow.moc"

@@ -33,7 +33,7 @@ void bothModes()
 
 } // namespace
 
-class TestReplaceFile : public QObject
+class tst_ReplaceFile : public QObject
 {
     Q_OBJECT
 
@@ -71,18 +71,18 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
 };
 
-void TestReplaceFile::init()
+void tst_ReplaceFile::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
 }
 
-void TestReplaceFile::cleanup()
+void tst_ReplaceFile::cleanup()
 {
     m_folder.reset();
 }
 
-void TestReplaceFile::contentsArrive_data()
+void tst_ReplaceFile::contentsArrive_data()
 {
     QTest::addColumn<bool>("exists");
     QTest::addColumn<QByteArray>("contents");
@@ -96,7 +96,7 @@ void TestReplaceFile::contentsArrive_data()
     QTest::newRow("3 MB with zero bytes") << true << large;
 }
 
-void TestReplaceFile::contentsArrive()
+void tst_ReplaceFile::contentsArrive()
 {
     QFETCH(bool, exists);
     QFETCH(QByteArray, contents);
@@ -108,14 +108,14 @@ void TestReplaceFile::contentsArrive()
     QCOMPARE(namesIn(m_folder->path()), QStringList{QString::fromUtf8("地図 𠮷.jpg")});
 }
 
-void TestReplaceFile::permissionsAreKept_data()
+void tst_ReplaceFile::permissionsAreKept_data()
 {
     QTest::addColumn<uint>("mode");
     for (const uint mode : {0600U, 0640U, 0644U, 0666U, 0755U})
         QTest::addRow("%o", mode) << mode;
 }
 
-void TestReplaceFile::permissionsAreKept()
+void tst_ReplaceFile::permissionsAreKept()
 {
     QFETCH(uint, mode);
     const QString path = in("map.jpg");
@@ -125,7 +125,7 @@ void TestReplaceFile::permissionsAreKept()
     QCOMPARE(modeOf(path), mode);
 }
 
-void TestReplaceFile::newFileFollowsUmask()
+void tst_ReplaceFile::newFileFollowsUmask()
 {
     const mode_t before = umask(027);
     const bool replaced = replaceFile(in("map.jpg"), "new", ReadOnlyFolder::Refuse);
@@ -134,7 +134,7 @@ void TestReplaceFile::newFileFollowsUmask()
     QCOMPARE(modeOf(in("map.jpg")), mode_t(0640));
 }
 
-void TestReplaceFile::linkIsFollowed_data()
+void tst_ReplaceFile::linkIsFollowed_data()
 {
     QTest::addColumn<QStringList>("links"); // each one points at the next, the last one at the file
     QTest::addColumn<bool>("exists");
@@ -146,7 +146,7 @@ void TestReplaceFile::linkIsFollowed_data()
         << QStringList{"first", "second", folder + "file"} << false;
 }
 
-void TestReplaceFile::linkIsFollowed()
+void tst_ReplaceFile::linkIsFollowed()
 {
     QFETCH(QStringList, links);
     QFETCH(bool, exists);
@@ -167,7 +167,7 @@ void TestReplaceFile::linkIsFollowed()
     QCOMPARE(namesIn(folder.filePath("folder")), QStringList{"file"});
 }
 
-void TestReplaceFile::ringOfLinksIsRefused()
+void tst_ReplaceFile::ringOfLinksIsRefused()
 {
     QCOMPARE(symlink("b", QFile::encodeName(in("a")).constData()), 0);
     QCOMPARE(symlink("a", QFile::encodeName(in("b")).constData()), 0);
@@ -176,7 +176,7 @@ void TestReplaceFile::ringOfLinksIsRefused()
     QVERIFY(QFileInfo(in("a")).isSymLink());
 }
 
-void TestReplaceFile::impossibleTargetIsRefused_data()
+void tst_ReplaceFile::impossibleTargetIsRefused_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("a folder") << "folder";
@@ -187,7 +187,7 @@ void TestReplaceFile::impossibleTargetIsRefused_data()
     QTest::newRow("a name that is too long") << QString(256, 'x');
 }
 
-void TestReplaceFile::impossibleTargetIsRefused()
+void tst_ReplaceFile::impossibleTargetIsRefused()
 {
     QFETCH(QString, name);
     QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("folder")));
@@ -202,7 +202,7 @@ void TestReplaceFile::impossibleTargetIsRefused()
     QVERIFY(!replaceFile(QString(), "new", ReadOnlyFolder::WriteInPlace));
 }
 
-void TestReplaceFile::pipeIsRefused()
+void tst_ReplaceFile::pipeIsRefused()
 {
     QCOMPARE(mkfifo(QFile::encodeName(in("pipe")).constData(), 0600), 0);
     for (const auto mode : {ReadOnlyFolder::Refuse, ReadOnlyFolder::WriteInPlace})
@@ -212,7 +212,7 @@ void TestReplaceFile::pipeIsRefused()
     QVERIFY(S_ISFIFO(status.st_mode));
 }
 
-void TestReplaceFile::longestFileName_data()
+void tst_ReplaceFile::longestFileName_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("248 bytes") << QString(248, 'x');
@@ -221,7 +221,7 @@ void TestReplaceFile::longestFileName_data()
     QTest::newRow("85 kana of 3 bytes") << QString(85, QChar(0x3042));
 }
 
-void TestReplaceFile::longestFileName()
+void tst_ReplaceFile::longestFileName()
 {
     QFETCH(QString, name);
     const QString path = m_folder->filePath(name);
@@ -237,7 +237,7 @@ void TestReplaceFile::longestFileName()
     QCOMPARE(namesIn(m_folder->path()), QStringList{name});
 }
 
-void TestReplaceFile::fullDiskLeavesOldFile_data()
+void tst_ReplaceFile::fullDiskLeavesOldFile_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<int>("room");
@@ -249,7 +249,7 @@ void TestReplaceFile::fullDiskLeavesOldFile_data()
     QTest::newRow("one byte short of a large file") << 1000000 << 999999;
 }
 
-void TestReplaceFile::fullDiskLeavesOldFile()
+void tst_ReplaceFile::fullDiskLeavesOldFile()
 {
     QFETCH(int, size);
     QFETCH(int, room);
@@ -267,7 +267,7 @@ void TestReplaceFile::fullDiskLeavesOldFile()
     QCOMPARE(contentsOf(path), contents);
 }
 
-void TestReplaceFile::fullSmallDiskLeavesOldFile()
+void tst_ReplaceFile::fullSmallDiskLeavesOldFile()
 {
     const SmallDisk disk(m_folder->path(), "64k");
     if (!disk.isMounted()) {
@@ -286,12 +286,12 @@ void TestReplaceFile::fullSmallDiskLeavesOldFile()
     QCOMPARE(contentsOf(path), QByteArray(40000, 'n'));
 }
 
-void TestReplaceFile::readOnlyFolder_data()
+void tst_ReplaceFile::readOnlyFolder_data()
 {
     bothModes();
 }
 
-void TestReplaceFile::readOnlyFolder()
+void tst_ReplaceFile::readOnlyFolder()
 {
     QFETCH(ReadOnlyFolder, mode);
     const QString path = in("map.jpg");
@@ -306,12 +306,12 @@ void TestReplaceFile::readOnlyFolder()
     QCOMPARE(namesIn(m_folder->path()), QStringList{"map.jpg"});
 }
 
-void TestReplaceFile::readOnlyFolderWithoutFile_data()
+void tst_ReplaceFile::readOnlyFolderWithoutFile_data()
 {
     bothModes();
 }
 
-void TestReplaceFile::readOnlyFolderWithoutFile()
+void tst_ReplaceFile::readOnlyFolderWithoutFile()
 {
     QFETCH(ReadOnlyFolder, mode);
     handOver({m_folder->path()});
@@ -322,12 +322,12 @@ void TestReplaceFile::readOnlyFolderWithoutFile()
     QCOMPARE(namesIn(m_folder->path()), QStringList());
 }
 
-void TestReplaceFile::readOnlyFile_data()
+void tst_ReplaceFile::readOnlyFile_data()
 {
     bothModes();
 }
 
-void TestReplaceFile::readOnlyFile()
+void tst_ReplaceFile::readOnlyFile()
 {
     QFETCH(ReadOnlyFolder, mode);
     const QString path = in("map.jpg");
@@ -339,7 +339,7 @@ void TestReplaceFile::readOnlyFile()
     QCOMPARE(namesIn(m_folder->path()), QStringList{"map.jpg"});
 }
 
-void TestReplaceFile::killedProcessLeavesWholeFile()
+void tst_ReplaceFile::killedProcessLeavesWholeFile()
 {
     const QString path = in("map.jpg");
     const QByteArray first(500000, 'a');
@@ -358,5 +358,5 @@ void TestReplaceFile::killedProcessLeavesWholeFile()
     }
 }
 
-QTEST_GUILESS_MAIN(TestReplaceFile)
+QTEST_GUILESS_MAIN(tst_ReplaceFile)
 #include "tst_replacefile.moc"

@@ -88,7 +88,7 @@ private:
 
 } // namespace
 
-class TestSelectionCircle : public QObject
+class tst_SelectionCircle : public QObject
 {
     Q_OBJECT
 
@@ -113,7 +113,7 @@ private slots:
     void answersAtOnce();
 };
 
-void TestSelectionCircle::fitsAPhotograph_data()
+void tst_SelectionCircle::fitsAPhotograph_data()
 {
     QTest::addColumn<QSize>("photograph");
     QTest::addColumn<SelectionCircle>("expected");
@@ -125,14 +125,14 @@ void TestSelectionCircle::fitsAPhotograph_data()
     QTest::newRow("no photograph") << QSize(0, 0) << SelectionCircle{0, 0, 0};
 }
 
-void TestSelectionCircle::fitsAPhotograph()
+void tst_SelectionCircle::fitsAPhotograph()
 {
     QFETCH(QSize, photograph);
     QFETCH(SelectionCircle, expected);
     QCOMPARE(defaultCircle(photograph), expected);
 }
 
-void TestSelectionCircle::stepsAndMoves()
+void tst_SelectionCircle::stepsAndMoves()
 {
     const SelectionCircle circle{100, 200, 50};
     QCOMPARE(stepped(circle, -1, 0, 0), (SelectionCircle{99, 200, 50}));
@@ -142,7 +142,7 @@ void TestSelectionCircle::stepsAndMoves()
     QCOMPARE(moved(circle, {500, 500}, {0, 0}), (SelectionCircle{-400, -300, 50}));
 }
 
-void TestSelectionCircle::resizesToTheFartherDistance_data()
+void tst_SelectionCircle::resizesToTheFartherDistance_data()
 {
     QTest::addColumn<QPoint>("position");
     QTest::addColumn<int>("expected");
@@ -154,14 +154,14 @@ void TestSelectionCircle::resizesToTheFartherDistance_data()
     QTest::newRow("on the centre") << QPoint(100, 200) << 0;
 }
 
-void TestSelectionCircle::resizesToTheFartherDistance()
+void tst_SelectionCircle::resizesToTheFartherDistance()
 {
     QFETCH(QPoint, position);
     QFETCH(int, expected);
     QCOMPARE(resized({100, 200, 7}, position), (SelectionCircle{100, 200, expected}));
 }
 
-void TestSelectionCircle::drawsANewCircleFromTheLongerSide_data()
+void tst_SelectionCircle::drawsANewCircleFromTheLongerSide_data()
 {
     QTest::addColumn<QPoint>("first");
     QTest::addColumn<QPoint>("last");
@@ -176,7 +176,7 @@ void TestSelectionCircle::drawsANewCircleFromTheLongerSide_data()
     QTest::newRow("one pixel backwards: none") << QPoint(10, 10) << QPoint(9, 30) << 0;
 }
 
-void TestSelectionCircle::drawsANewCircleFromTheLongerSide()
+void tst_SelectionCircle::drawsANewCircleFromTheLongerSide()
 {
     QFETCH(QPoint, first);
     QFETCH(QPoint, last);
@@ -187,7 +187,7 @@ void TestSelectionCircle::drawsANewCircleFromTheLongerSide()
         QCOMPARE(*circle, (SelectionCircle{3, 4, radius}));
 }
 
-void TestSelectionCircle::wrapsInsteadOfOverflowing()
+void tst_SelectionCircle::wrapsInsteadOfOverflowing()
 {
     QCOMPARE(stepped({INT_MAX, INT_MIN, INT_MAX}, 1, -1, 1), (SelectionCircle{INT_MIN, INT_MAX, INT_MIN}));
     QCOMPARE(moved({INT_MAX, 0, 1}, {-1, INT_MAX}, {0, INT_MIN}), (SelectionCircle{INT_MIN, 1, 1}));
@@ -197,7 +197,7 @@ void TestSelectionCircle::wrapsInsteadOfOverflowing()
     QCOMPARE(drawnCircle({0, 0}, {-1, 0}, {INT_MAX - 1, 5})->radius, INT_MAX);
 }
 
-void TestSelectionCircle::namesTheZone_data()
+void tst_SelectionCircle::namesTheZone_data()
 {
     QTest::addColumn<SelectionCircle>("circle");
     QTest::addColumn<QPoint>("offset"); // from the centre
@@ -251,7 +251,7 @@ void TestSelectionCircle::namesTheZone_data()
                                      << CircleZone::Inside;
 }
 
-void TestSelectionCircle::namesTheZone()
+void tst_SelectionCircle::namesTheZone()
 {
     QFETCH(SelectionCircle, circle);
     QFETCH(QPoint, offset);
@@ -260,7 +260,7 @@ void TestSelectionCircle::namesTheZone()
              static_cast<int>(expected));
 }
 
-void TestSelectionCircle::showsTheCursor_data()
+void tst_SelectionCircle::showsTheCursor_data()
 {
     QTest::addColumn<QPoint>("offset");
     QTest::addColumn<std::optional<Qt::CursorShape>>("expected");
@@ -276,7 +276,7 @@ void TestSelectionCircle::showsTheCursor_data()
     QTest::newRow("lower left corner") << QPoint(-105, 105) << Cursor(Qt::SizeBDiagCursor);
 }
 
-void TestSelectionCircle::showsTheCursor()
+void tst_SelectionCircle::showsTheCursor()
 {
     QFETCH(QPoint, offset);
     QFETCH(std::optional<Qt::CursorShape>, expected);
@@ -284,7 +284,7 @@ void TestSelectionCircle::showsTheCursor()
     QVERIFY(cursorAt(circle, QPoint(1000, 800) + offset) == expected);
 }
 
-void TestSelectionCircle::zonesEqualRegionsOnAGrid()
+void tst_SelectionCircle::zonesEqualRegionsOnAGrid()
 {
     Chance chance;
     const auto compare = [](const SelectionCircle &circle, int step) {
@@ -311,14 +311,14 @@ void TestSelectionCircle::zonesEqualRegionsOnAGrid()
                  QString());
 }
 
-void TestSelectionCircle::zonesEqualRegionsOnLargeRings_data()
+void tst_SelectionCircle::zonesEqualRegionsOnLargeRings_data()
 {
     QTest::addColumn<SelectionCircle>("circle");
     for (const int radius : {1234, 1961, 4000})
         QTest::addRow("radius %d", radius) << SelectionCircle{radius / 3, -radius / 7, radius};
 }
 
-void TestSelectionCircle::zonesEqualRegionsOnLargeRings()
+void tst_SelectionCircle::zonesEqualRegionsOnLargeRings()
 {
     QFETCH(SelectionCircle, circle);
     const RegionZones expected(circle);
@@ -332,14 +332,14 @@ void TestSelectionCircle::zonesEqualRegionsOnLargeRings()
     }
 }
 
-void TestSelectionCircle::answersAtOnce_data()
+void tst_SelectionCircle::answersAtOnce_data()
 {
     QTest::addColumn<int>("radius");
     for (const int radius : {100, 32000, 65536, 1 << 30, INT_MAX, -1, -65536, INT_MIN})
         QTest::addRow("radius %d", radius) << radius;
 }
 
-void TestSelectionCircle::answersAtOnce()
+void tst_SelectionCircle::answersAtOnce()
 {
     QFETCH(int, radius);
     constexpr qint64 hovers = 200;
@@ -350,5 +350,5 @@ void TestSelectionCircle::answersAtOnce()
     QVERIFY2(cpuMilliseconds() - before < 3 * hovers, "a hover takes longer than a millisecond");
 }
 
-QTEST_GUILESS_MAIN(TestSelectionCircle)
+QTEST_GUILESS_MAIN(tst_SelectionCircle)
 #include "tst_selectioncircle.moc"

@@ -8,7 +8,7 @@
 #include <limits>
 
 /// The progress dialog as the batch run uses it, and the Stop button as a user does.
-class StatusTest : public QObject
+class tst_Status : public QObject
 {
     Q_OBJECT
 
@@ -177,5 +177,5 @@ private:
     }
 };
 
-QTEST_MAIN(StatusTest)
+QTEST_MAIN(tst_Status)
 #include "tst_status.moc"

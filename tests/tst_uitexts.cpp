@@ -30,7 +30,7 @@ class Caption : public CaptionBase
 
 } // namespace
 
-class TestUiTexts : public QObject
+class tst_UiTexts : public QObject
 {
     Q_OBJECT
 
@@ -59,32 +59,32 @@ private:
     std::unique_ptr<QTemporaryDir> m_folder;
 };
 
-void TestUiTexts::init()
+void tst_UiTexts::init()
 {
     m_folder = std::make_unique<QTemporaryDir>();
     QVERIFY(m_folder->isValid());
 }
 
-void TestUiTexts::cleanup()
+void tst_UiTexts::cleanup()
 {
     m_folder.reset();
 }
 
-void TestUiTexts::writeLangFile(const QByteArray &contents)
+void tst_UiTexts::writeLangFile(const QByteArray &contents)
 {
     QFile file(langFile());
     QVERIFY(file.open(QIODevice::WriteOnly));
     QCOMPARE(file.write(contents), qint64(contents.size()));
 }
 
-QString TestUiTexts::message(const char *group, const char *key) const
+QString tst_UiTexts::message(const char *group, const char *key) const
 {
     QMap<QString, QString> messages;
     UiTexts(langFile(), QString::fromLatin1(group), messages).message(key, "built-in");
     return messages.value(QString::fromLatin1(key));
 }
 
-QString TestUiTexts::caption(const char *group, const char *key) const
+QString tst_UiTexts::caption(const char *group, const char *key) const
 {
     QMap<QString, QString> messages;
     Caption widget;
@@ -94,7 +94,7 @@ QString TestUiTexts::caption(const char *group, const char *key) const
                                                                        : QStringLiteral("wrong");
 }
 
-void TestUiTexts::textOfTheFile_data()
+void tst_UiTexts::textOfTheFile_data()
 {
     QTest::addColumn<QByteArray>("contents");
     QTest::addColumn<QString>("text");
@@ -134,7 +134,7 @@ void TestUiTexts::textOfTheFile_data()
     QTest::newRow("a number") << QByteArray("[main]\nkey=42\n") << "42";
 }
 
-void TestUiTexts::textOfTheFile()
+void tst_UiTexts::textOfTheFile()
 {
     QFETCH(QByteArray, contents);
     QFETCH(QString, text);
@@ -143,14 +143,14 @@ void TestUiTexts::textOfTheFile()
     QCOMPARE(caption("main", "key"), text);
 }
 
-void TestUiTexts::missingFileGivesBuiltInTexts()
+void tst_UiTexts::missingFileGivesBuiltInTexts()
 {
     QCOMPARE(message("main", "title"), QStringLiteral("built-in"));
     QCOMPARE(caption("main", "lbl_1"), QStringLiteral("built-in"));
     QVERIFY(!QFile::exists(langFile()));
 }
 
-void TestUiTexts::builtInTextIsUtf8()
+void tst_UiTexts::builtInTextIsUtf8()
 {
     QMap<QString, QString> messages;
     UiTexts texts(langFile(), QStringLiteral("main"), messages);
@@ -160,7 +160,7 @@ void TestUiTexts::builtInTextIsUtf8()
     QVERIFY(messages.contains("title"));
 }
 
-void TestUiTexts::sameKeyInEachGroup()
+void tst_UiTexts::sameKeyInEachGroup()
 {
     writeLangFile("[main]\nlbl_1=of main\n[batch_convert]\nlbl_1=of batch\n[config]\ntitle=of config\n");
     QCOMPARE(caption("main", "lbl_1"), QStringLiteral("of main"));
@@ -170,14 +170,14 @@ void TestUiTexts::sameKeyInEachGroup()
     QCOMPARE(message("config", "title"), QStringLiteral("of config"));
 }
 
-void TestUiTexts::keyOutsideEveryGroupIsNotTaken()
+void tst_UiTexts::keyOutsideEveryGroupIsNotTaken()
 {
     writeLangFile("title=no group\n[General]\nlbl_1=general\n");
     QCOMPARE(message("main", "title"), QStringLiteral("built-in"));
     QCOMPARE(message("main", "lbl_1"), QStringLiteral("built-in"));
 }
 
-void TestUiTexts::messagesOfOtherKeysStay()
+void tst_UiTexts::messagesOfOtherKeysStay()
 {
     writeLangFile("[main]\ntitle=new\n");
     QMap<QString, QString> messages{{"title", "old"}, {"other", "kept"}};
@@ -188,7 +188,7 @@ void TestUiTexts::messagesOfOtherKeysStay()
              (QMap<QString, QString>{{"title", "new"}, {"other", "kept"}, {"open_file", "built-in"}}));
 }
 
-void TestUiTexts::readingTwiceSeesTheEditedFile()
+void tst_UiTexts::readingTwiceSeesTheEditedFile()
 {
     for (const char *text : {"first", "other", "third", "short", "first"}) { // all of one size
         writeLangFile(QByteArray("[config]\ntitle=") + text + "\n");
@@ -198,7 +198,7 @@ void TestUiTexts::readingTwiceSeesTheEditedFile()
     QCOMPARE(message("config", "title"), QStringLiteral("built-in"));
 }
 
-void TestUiTexts::fileIsOnlyRead()
+void tst_UiTexts::fileIsOnlyRead()
 {
     const QByteArray contents = "; a comment\n[main]\n  key = a, b\n";
     writeLangFile(contents);
@@ -208,7 +208,7 @@ void TestUiTexts::fileIsOnlyRead()
     QCOMPARE(file.readAll(), contents);
 }
 
-void TestUiTexts::damagedFileGivesBuiltInTexts_data()
+void tst_UiTexts::damagedFileGivesBuiltInTexts_data()
 {
     QTest::addColumn<QByteArray>("contents");
     QTest::newRow("no equals sign") << QByteArray("[main]\nkey Open\n");
@@ -219,7 +219,7 @@ void TestUiTexts::damagedFileGivesBuiltInTexts_data()
         << QByteArray("[main]\nkey=@Variant(\\0\\0\\0\\v\\x7f\\xff\\xff\\xff)\n");
 }
 
-void TestUiTexts::damagedFileGivesBuiltInTexts()
+void tst_UiTexts::damagedFileGivesBuiltInTexts()
 {
     QFETCH(QByteArray, contents);
     writeLangFile(contents);
@@ -227,5 +227,5 @@ void TestUiTexts::damagedFileGivesBuiltInTexts()
     QCOMPARE(caption("main", "key"), QStringLiteral("built-in"));
 }
 
-QTEST_GUILESS_MAIN(TestUiTexts)
+QTEST_GUILESS_MAIN(tst_UiTexts)
 #include "tst_uitexts.moc"
