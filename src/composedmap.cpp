@@ -53,7 +53,7 @@ public:
         , m_directions(directions)
         , m_rotation(rotation)
         , m_mirror(mirror)
-        , m_zLimit(-std::cos(double(rows.last + 1) / (rotation.height() - 1) * enginePi))
+        , m_zLimit(-std::cos(double(rows.last + 1) / (rotation.height() - 1) * pi))
     {
     }
 

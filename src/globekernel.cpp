@@ -37,7 +37,7 @@ struct RadialCorrection {
 GlobeKernel::GlobeKernel(const GlobeView &view) : m_view(view)
 {
     const double alpha = std::asin(1 / view.distance); // apparent angular radius of the globe
-    const double alphaDeg = alpha * 180 / enginePi;
+    const double alphaDeg = alpha * 180 / pi;
     const double edgeRows = alphaDeg / (90.0 / view.photographHeight) * view.ratioY;
     m_tangentToPixels = view.radius / std::tan(alpha);
     const int marginRows = low16(truncated(view.margin * (view.ratioY * view.photographHeight)));

@@ -8,8 +8,8 @@
 #include <vector>
 
 /// The circle constant of every conversion between degrees and radians, and the radians of one degree.
-constexpr double enginePi = 3.141592653589793;
-constexpr double radiansPerDegree = enginePi / 180;
+constexpr double pi = 3.141592653589793;
+constexpr double radiansPerDegree = pi / 180;
 
 /// The most columns or rows that get a table: no map that people use has more, and a table for one of a
 /// thousand million columns and a single row would need more memory than the map.
