@@ -1,5 +1,6 @@
 #include "desktop.h"
 
+#include <QElapsedTimer>
 #include <QtTest>
 
 #include <functional>
@@ -58,8 +59,29 @@ QString Desktop::window(const QString &title)
 
 bool Desktop::waitUntilGone(const QString &title)
 {
+    return waitFor([&] { return !isVisible(title); });
+}
+
+bool Desktop::isVisible(const QString &title)
+{
     const QString pattern = '^' + QRegularExpression::escape(title) + '$';
-    return waitFor([&] { return run({"search", "--onlyvisible", "--name", pattern}).isEmpty(); });
+    return !run({"search", "--onlyvisible", "--name", pattern}).isEmpty();
+}
+
+// A window that opens while another one goes can lose the focus once more, and the key with it.
+bool Desktop::answer(const QString &title, const QString &key)
+{
+    for (int attempt = 0; attempt < 4; ++attempt) {
+        if (window(title).isEmpty())
+            return false;
+        keys({key});
+        QElapsedTimer pressed;
+        pressed.start();
+        const auto isGone = [&] { return !isVisible(title); };
+        if (waitFor([&] { return isGone() || pressed.hasExpired(3000); }) && isGone())
+            return true;
+    }
+    return false;
 }
 
 QString Desktop::lineStarting(const QString &text)

@@ -31,6 +31,8 @@ public:
     QString window(const QString &title);
     /// Waits until no visible window has this title any more.
     bool waitUntilGone(const QString &title);
+    /// Waits for such a window, presses a key in it and waits until it is gone.
+    bool answer(const QString &title, const QString &key);
     /// Waits for a debug line that contains the text, after the last one that was waited for.
     bool waitForLine(const QString &text);
     /// The next debug line that starts with the text, after the last one that was waited for.
@@ -50,6 +52,7 @@ public:
     void type(const QString &text);
 
 private:
+    static bool isVisible(const QString &title);
     static QString run(const QStringList &arguments);
     void readLines();
 

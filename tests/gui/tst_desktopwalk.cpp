@@ -174,9 +174,7 @@ void tst_DesktopWalk::fromPhotographToMap()
     QVERIFY(!m_desktop->window(mainTitle).isEmpty());
     m_desktop->click(layout["btnConvert"]);
     QVERIFY(m_desktop->waitForLine("Convert error"));
-    QVERIFY(!m_desktop->window("画像変換").isEmpty());
-    m_desktop->keys({"Return"});
-    QVERIFY(m_desktop->waitUntilGone("画像変換"));
+    QVERIFY(m_desktop->answer("画像変換", "Return"));
     const QImage source = QImage(photograph).convertToFormat(QImage::Format_ARGB32);
     const QImage expected = reference::convert(source, {200, 150, 147, 6.6, 256, 128, 35, 139, 0});
     COMPARE_IMAGES(QImage(map), expected);
@@ -185,9 +183,7 @@ void tst_DesktopWalk::fromPhotographToMap()
     m_desktop->folder().write("OV-photo.png", "precious");
     QVERIFY(!m_desktop->window(mainTitle).isEmpty());
     m_desktop->click(layout["btnConvert"]);
-    QVERIFY(!m_desktop->window("画像変換").isEmpty());
-    m_desktop->keys({"Return"});
-    QVERIFY(m_desktop->waitUntilGone("画像変換"));
+    QVERIFY(m_desktop->answer("画像変換", "Return"));
     QCOMPARE(m_desktop->folder().read("OV-photo.png"), QByteArray("precious"));
 
     QVERIFY(!m_desktop->window(mainTitle).isEmpty());
@@ -195,9 +191,7 @@ void tst_DesktopWalk::fromPhotographToMap()
     QVERIFY(!m_desktop->window("画像変換").isEmpty());
     m_desktop->keys({"alt+y"});
     QVERIFY(m_desktop->waitForLine("Convert error"));
-    QVERIFY(!m_desktop->window("画像変換").isEmpty());
-    m_desktop->keys({"Return"});
-    QVERIFY(m_desktop->waitUntilGone("画像変換"));
+    QVERIFY(m_desktop->answer("画像変換", "Return"));
     COMPARE_IMAGES(QImage(map), expected);
 
     QVERIFY(!m_desktop->window(mainTitle).isEmpty());
@@ -288,9 +282,7 @@ void tst_DesktopWalk::parameterFiles()
     m_desktop->keys({"ctrl+a"});
     m_desktop->type(file);
     m_desktop->keys({"Return"});
-    QVERIFY(!m_desktop->window("中心点、半径の保存").isEmpty());
-    m_desktop->keys({"Return"});
-    QVERIFY(m_desktop->waitUntilGone("中心点、半径の保存"));
+    QVERIFY(m_desktop->answer("中心点、半径の保存", "Return"));
     QCOMPARE(m_desktop->folder().read("circle.ini"),
              QByteArray("[General]\nCenterX=200\nCenterY=150\nRadius=77\n"));
 
