@@ -1,6 +1,8 @@
 // Vector code for rotationproposals.h: this file is compiled once for each instruction set, and the best one
 // that the machine has is chosen when it runs. One vector is one step of proposeSourcesPlainly(), in the same
-// letters.
+// letters. Without the library behind it the file is empty, and rotationproposals.cpp does the work.
+#ifdef OVMIC_HIGHWAY
+
 #include "rotationproposals.h"
 
 #include "arctangent.h"
@@ -97,3 +99,5 @@ void proposeSources(const ProposalScale &scale, const TurnedRow &row, const floa
     HWY_DYNAMIC_DISPATCH(propose)(scale, row, cosines, sines, count, out);
 }
 #endif
+
+#endif // OVMIC_HIGHWAY
