@@ -109,6 +109,8 @@ private slots:
     void azimuthWithoutCanvasEmptiesTheMap();
     void convertsAnyFormat_data();
     void convertsAnyFormat();
+    void convertsSixteenBitChannels_data();
+    void convertsSixteenBitChannels();
     void leavesThePhotographAlone();
     void survivesChangesDuringEvents();
     void nullPhotographGivesNullMap();
@@ -305,6 +307,34 @@ void tst_MapConversion::convertsAnyFormat()
     const MessageCollector silent;
     COMPARE_IMAGES(convertToMap(other, globeStageOnly()),
                    convertToMap(other.convertToFormat(QImage::Format_ARGB32), globeStageOnly()));
+}
+
+void tst_MapConversion::convertsSixteenBitChannels_data()
+{
+    QTest::addColumn<QImage::Format>("format");
+    QTest::newRow("colour with alpha") << QImage::Format_RGBA64;
+    QTest::newRow("colour without alpha") << QImage::Format_RGBX64;
+    QTest::newRow("grey") << QImage::Format_Grayscale16;
+}
+
+// Values between those of eight bits are rounded as in a conversion to 32 bits with alpha, on both ways through the
+// chain.
+void tst_MapConversion::convertsSixteenBitChannels()
+{
+    QFETCH(QImage::Format, format);
+    QImage deep(256, 200, format);
+    quint32 state = 1;
+    const auto next = [&state] { return quint16((state = state * 1664525U + 1013904223U) >> 16); };
+    for (int y = 0; y < deep.height(); ++y) {
+        for (int x = 0; x < deep.width(); ++x)
+            deep.setPixelColor(x, y, QColor::fromRgba64(next(), next(), next(), next()));
+    }
+    const MessageCollector silent;
+    MapParameters turned = globeStageOnly();
+    turned.latitude = 35;
+    turned.longitude = 139;
+    for (const MapParameters &p : {globeStageOnly(), turned})
+        COMPARE_IMAGES(convertToMap(deep, p), convertToMap(deep.convertToFormat(QImage::Format_ARGB32), p));
 }
 
 void tst_MapConversion::leavesThePhotographAlone()
