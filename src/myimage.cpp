@@ -10,18 +10,7 @@ MyImage::MyImage(QWidget *parent) : QLabel(parent)
 
 void MyImage::mousePressEvent(QMouseEvent *event)
 {
-    // All buttons that are held, not the one that changed: a right press during a left drag begins it anew.
-    if (event->buttons() & Qt::LeftButton) {
-        const QPixmap picture = pictureOf(*this);
-        if (picture.isNull())
-            return;
-        leftDown = true;
-        pressPos = event->pos();
-        const QPoint p = pictureScaleOf(*this, picture).toPicture(pressPos);
-        emit mouseleftdown(p.x(), p.y());
-    }
-    if (event->buttons() & Qt::RightButton)
-        rightDown = true;
+    pressPicture(*this, *event);
 }
 
 void MyImage::mouseMoveEvent(QMouseEvent *event)
@@ -35,8 +24,7 @@ void MyImage::mouseMoveEvent(QMouseEvent *event)
         return;
     const PictureDrag drag = pictureScaleOf(*this, picture).drag(pressPos, event->pos());
     if (leftDown)
-        emit size_changing(drag.press.x(), drag.press.y(), drag.first.x(), drag.first.y(), drag.last.x(),
-                           drag.last.y(), drag.position.x(), drag.position.y());
+        reportDrag(*this, drag);
     else
         emit mouse_move(drag.position.x(), drag.position.y());
 }
@@ -54,12 +42,7 @@ void MyImage::mouseReleaseEvent(QMouseEvent *event)
         else
             emit size_changed(drag.press.x(), drag.press.y(), drag.radius);
     }
-    if (rightDown && !(held & Qt::RightButton))
-        emit mouserightup();
-    if (!(held & Qt::LeftButton))
-        leftDown = false;
-    if (!(held & Qt::RightButton))
-        rightDown = false;
+    forgetReleased(*this, held);
 }
 
 void MyImage::paintEvent(QPaintEvent *)

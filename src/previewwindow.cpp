@@ -38,17 +38,7 @@ MyImage2::MyImage2(QWidget *parent) : QLabel(parent)
 
 void MyImage2::mousePressEvent(QMouseEvent *event)
 {
-    if (event->buttons() & Qt::LeftButton) {
-        const QPixmap picture = pictureOf(*this);
-        if (picture.isNull())
-            return;
-        leftDown = true;
-        pressPos = event->pos();
-        const QPoint p = pictureScaleOf(*this, picture).toPicture(pressPos);
-        emit mouseleftdown(p.x(), p.y());
-    }
-    if (event->buttons() & Qt::RightButton)
-        rightDown = true;
+    pressPicture(*this, *event);
 }
 
 void MyImage2::mouseMoveEvent(QMouseEvent *event)
@@ -61,8 +51,7 @@ void MyImage2::mouseMoveEvent(QMouseEvent *event)
     if (picture.isNull())
         return;
     const PictureDrag drag = pictureScaleOf(*this, picture).drag(pressPos, event->pos());
-    emit size_changing(drag.press.x(), drag.press.y(), drag.first.x(), drag.first.y(), drag.last.x(),
-                       drag.last.y(), drag.position.x(), drag.position.y());
+    reportDrag(*this, drag);
 }
 
 void MyImage2::mouseReleaseEvent(QMouseEvent *event)
@@ -76,12 +65,7 @@ void MyImage2::mouseReleaseEvent(QMouseEvent *event)
         emit mouseleftup(drag.position.x(), drag.position.y());
         emit size_changed(drag.press.x(), drag.press.y(), drag.radius);
     }
-    if (rightDown && !(held & Qt::RightButton))
-        emit mouserightup();
-    if (!(held & Qt::LeftButton))
-        leftDown = false;
-    if (!(held & Qt::RightButton))
-        rightDown = false;
+    forgetReleased(*this, held);
 }
 
 void MyImage2::paintEvent(QPaintEvent *)
