@@ -16,9 +16,8 @@ struct MapTurns {
 /// The chain in one pass: for each pixel of the finished map the pixel of the photograph, with no map in
 /// between.
 /// @param canvas    W x H pixels, transparent black
-/// @param progress  told between rows, as rows of the globe stage: how many of those that it paints (and the
-/// plain
-///                  operations would have painted by now) are worked off. Ends with all of them.
+/// @param progress  told between rows how many rows of the globe stage, of those that it paints, are worked off
+///                  by now; ends with all of them
 /// @return false, and nothing is painted, for what the kernels do not cover; the plain operations do it then
 bool paintComposedMap(const GlobeKernel &globe, const Photograph &photograph, const MapTurns &turns,
                       int width, int height, const Canvas &canvas, const std::function<void(int)> &progress,
