@@ -3,7 +3,7 @@
 #include "composedmap.h"
 #include "convertimage.h"
 #include "imagepixels.h"
-#include "truncation.h"
+#include "integers.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -80,7 +80,7 @@ QImage composedMap(const QImage &photograph, const MapParameters &parameters)
     view.photographHeight = photograph.height();
     const GlobeKernel globe(view);
 
-    const MapTurns turns = {*azimuthShift, truncated(90 - parameters.latitude), *longitudeShift};
+    const MapTurns turns = {*azimuthShift, truncateToInt(90 - parameters.latitude), *longitudeShift};
     QImage map = transparentCanvas({width, height});
     if (map.isNull())
         return {};
@@ -127,7 +127,7 @@ QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthCanvas 
         QImage tilted = transparentCanvas(size);
         if (tilted.isNull())
             return {};
-        engine.rotateImage(3, truncated(90 - parameters.latitude), map, tilted);
+        engine.rotateImage(3, truncateToInt(90 - parameters.latitude), map, tilted);
         map = tilted;
     }
     if (parameters.longitude + 90 != 0.0) {

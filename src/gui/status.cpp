@@ -1,6 +1,6 @@
 #include "status.h"
 
-#include "truncation.h"
+#include "integers.h"
 #include "ui_status.h"
 
 Status::Status(QWidget *parent) : QDialog(parent), ui(std::make_unique<Ui::Status>())
@@ -21,7 +21,7 @@ void Status::setCur(int i)
 {
     current = i;
     // Divided first: 29 of 100 are 28.999999999999996, shown as 28 percent.
-    ui->progStatus->setValue(truncated(static_cast<double>(current) / maximum * 100));
+    ui->progStatus->setValue(truncateToInt(static_cast<double>(current) / maximum * 100));
     ui->lblCount->setText(QString::number(current) + QStringLiteral(" / ") + QString::number(maximum));
 }
 

@@ -1,6 +1,6 @@
 #include "globekernel.h"
 
-#include "truncation.h"
+#include "integers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -40,12 +40,12 @@ GlobeKernel::GlobeKernel(const GlobeView &view) : m_view(view)
     const double alphaDeg = alpha * 180 / pi;
     const double edgeRows = alphaDeg / (90.0 / view.photographHeight) * view.ratioY;
     m_tangentToPixels = view.radius / std::tan(alpha);
-    const int marginRows = low16(truncated(view.margin * (view.ratioY * view.photographHeight)));
+    const int marginRows = wrapToInt16(truncateToInt(view.margin * (view.ratioY * view.photographHeight)));
     const double firstRow = marginRows + edgeRows;
     // From the surface, from inside and from behind nothing is seen, whatever the arc sine makes of it. A
     // first row that is no number, or beyond every number of a row, lies beyond the last one.
     const bool anyRow = view.distance > 1 && std::abs(firstRow) <= std::numeric_limits<int>::max();
-    m_firstRow = anyRow ? truncated(firstRow) : std::numeric_limits<int>::max();
+    m_firstRow = anyRow ? truncateToInt(firstRow) : std::numeric_limits<int>::max();
 }
 
 bool GlobeKernel::hasRow(int64_t k) const
@@ -98,8 +98,8 @@ Samples samplesWithin(const GlobeView &view, const Photograph &photograph,
 
 Sample sampleAnywhere(const GlobeView &view, Direction direction, double radius)
 {
-    return {int64_t(low16(truncated(direction.cosine * radius))) + view.centerX,
-            int64_t(low16(truncated(direction.sine * radius))) + view.centerY};
+    return {int64_t(wrapToInt16(truncateToInt(direction.cosine * radius))) + view.centerX,
+            int64_t(wrapToInt16(truncateToInt(direction.sine * radius))) + view.centerY};
 }
 
 namespace

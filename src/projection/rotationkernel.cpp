@@ -1,7 +1,7 @@
 #include "rotationkernel.h"
 
 #include "globekernel.h"
-#include "truncation.h"
+#include "integers.h"
 
 #include <cmath>
 
@@ -11,7 +11,7 @@ int columnShift(double angleDeg, int width)
         angleDeg -= 360;
     if (angleDeg < -360)
         angleDeg += 360;
-    return truncated(static_cast<double>(width) / 360 * angleDeg);
+    return truncateToInt(static_cast<double>(width) / 360 * angleDeg);
 }
 
 RotationKernel::RotationKernel(int axis, int angleDeg, int width, int height)
@@ -69,5 +69,5 @@ MapPosition RotationKernel::source(int x, int y) const
     const double colatitude =
         std::atan(turnedZ / std::sqrt(turnedX * turnedX + turnedY * turnedY)) / radiansPerDegree + 90;
     // A direction on the axis has no longitude: NaN, which truncates to a column outside the map.
-    return {truncated(longitude * (m_width - 1) / 360), truncated(colatitude * (m_height - 1) / 180)};
+    return {truncateToInt(longitude * (m_width - 1) / 360), truncateToInt(colatitude * (m_height - 1) / 180)};
 }
