@@ -4,9 +4,9 @@
 #include "benchcase.h"
 #include "contest.h"
 #include "floor.h"
-#include "imagepixels.h"
 #include "opencvremap.h"
 #include "otherwork.h"
+#include "qimageview.h"
 
 #include "composedmap.h"
 #include "convertimage.h"
@@ -75,8 +75,8 @@ QImage kernelMap(const BenchCase &c)
     const int width = p.outputSizeX;
     const MapTurns turns = {(columnShift(-p.azimuth, width) + width) % width, int(90 - p.latitude),
                             (columnShift(p.longitude + 90, width) + width) % width};
-    paintComposedMap(GlobeKernel(view), argbPixels(c.photograph), turns, width, p.outputSizeY,
-                     canvasPixels(map), [](int) {});
+    paintComposedMap(GlobeKernel(view), photographView(c.photograph), turns, width, p.outputSizeY,
+                     canvasView(map), [](int) {});
     return map;
 }
 

@@ -1,9 +1,9 @@
 #include "arctangent.h"
-#include "argbpixels.h"
 #include "composedmap.h"
 #include "convertimage.h"
-#include "imagepixels.h"
 #include "mapconversion.h"
+#include "premultiply.h"
+#include "qimageview.h"
 #include "rotatedmap.h"
 
 #include "imagecompare.h"
@@ -141,8 +141,8 @@ QImage plainlyComposed(const Case &c)
     const MapTurns turns = {(azimuthShift + width) % width, int(90 - p.latitude),
                             (longitudeShift + width) % width};
     const bool covered = paintComposedMap(
-        GlobeKernel(view), argbPixels(photograph), turns, width, p.outputSizeY, canvasPixels(map), [](int) {},
-        proposeSourcesPlainly);
+        GlobeKernel(view), photographView(photograph), turns, width, p.outputSizeY, canvasView(map),
+        [](int) {}, proposeSourcesPlainly);
     return covered ? map : QImage();
 }
 
@@ -653,8 +653,8 @@ void tst_FastEngine::rotatesAsTheSlowEngine()
 
             QImage plainly = expected;
             plainly.fill(0xff123456);
-            paintRotatedMap(RotationKernel(axis, angle, size.width(), size.height()), mapPixels(map),
-                            canvasPixels(plainly), forced.propose());
+            paintRotatedMap(RotationKernel(axis, angle, size.width(), size.height()), mapView(map),
+                            canvasView(plainly), forced.propose());
             COMPARE_IMAGES(plainly, expected);
         }
     }
@@ -668,8 +668,8 @@ void tst_FastEngine::leavesWhatItDoesNotCover()
     view.photographHeight = 20;
     Chance chance(31);
     const QImage photograph = noise(chance, {20, 20}, Alpha::Opaque);
-    const Photograph pixels = {reinterpret_cast<const quint32 *>(photograph.constBits()), 20, 20, 20,
-                               0xff000000U};
+    const ConstImageView pixels = {reinterpret_cast<const quint32 *>(photograph.constBits()), 20, 20, 20,
+                                   0xff000000U};
     const auto covers = [&](QSize size, int radius) {
         view.radius = radius;
         view.ratioX = size.width() / 20.0;

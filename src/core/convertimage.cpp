@@ -1,7 +1,7 @@
 #include "convertimage.h"
 
 #include "globekernel.h"
-#include "imagepixels.h"
+#include "qimageview.h"
 #include "rotatedmap.h"
 
 #include <QColor>
@@ -29,7 +29,7 @@ void paintRow(const GlobeKernel &kernel, const QImage &src, const std::vector<Di
     const bool straight = src.format() == QImage::Format_ARGB32 || src.format() == QImage::Format_RGB32;
     if (straight && dst.format() == QImage::Format_ARGB32_Premultiplied && !directions.empty()) {
         auto *line = reinterpret_cast<uint32_t *>(dst.scanLine(y));
-        paintGlobeRow(kernel.view(), argbPixels(src), directions, rho, line);
+        paintGlobeRow(kernel.view(), photographView(src), directions, rho, line);
         return;
     }
     for (int x = 0; x < dst.width(); ++x) {
@@ -100,7 +100,7 @@ void ConvertImage::rotateImage(int axis, int angle, QImage &src, QImage &dst)
     const bool premultiplied =
         src.format() == QImage::Format_ARGB32_Premultiplied && src.format() == dst.format();
     if (premultiplied && dst.width() >= width && dst.height() >= height && &src != &dst) {
-        paintRotatedMap(kernel, mapPixels(src), canvasPixels(dst));
+        paintRotatedMap(kernel, mapView(src), canvasView(dst));
         return;
     }
     for (int y = 0; y < height; ++y)

@@ -2,8 +2,8 @@
 
 #include "composedmap.h"
 #include "convertimage.h"
-#include "imagepixels.h"
 #include "integers.h"
+#include "qimageview.h"
 
 #include <QCoreApplication>
 #include <QDebug>
@@ -89,7 +89,7 @@ QImage composedMap(const QImage &photograph, const MapParameters &parameters)
         for (; handled < globeRows; ++handled)
             QCoreApplication::processEvents();
     };
-    if (!paintComposedMap(globe, argbPixels(photograph), turns, width, height, canvasPixels(map),
+    if (!paintComposedMap(globe, photographView(photograph), turns, width, height, canvasView(map),
                           handleEvents))
         return {};
     qDebug() << "Convert error " << qint64(0); // no row of the chain lies above its map

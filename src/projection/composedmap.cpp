@@ -45,7 +45,7 @@ template <bool Clipped>
 class GlobeIndexes
 {
 public:
-    GlobeIndexes(const GlobeKernel &globe, const Photograph &photograph, const PaintedRows &rows,
+    GlobeIndexes(const GlobeKernel &globe, const ConstImageView &photograph, const PaintedRows &rows,
                  const std::vector<Direction> &directions, const RotationKernel &rotation,
                  const MirroredColumns &mirror)
         : m_sample(globe.view(), photograph)
@@ -104,9 +104,9 @@ private:
 
 } // namespace
 
-bool paintComposedMap(const GlobeKernel &globe, const Photograph &photograph, const MapTurns &turns,
-                      int width, int height, const Canvas &canvas, const std::function<void(int)> &progress,
-                      ProposeSources *propose)
+bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph, const MapTurns &turns,
+                      int width, int height, const ImageView &canvas,
+                      const std::function<void(int)> &progress, ProposeSources *propose)
 {
     if (!MirroredColumns::cover(3, width, height))
         return false;

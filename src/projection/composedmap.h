@@ -19,6 +19,6 @@ struct MapTurns {
 /// @param progress  told between rows how many rows of the globe stage, of those that it paints, are worked off
 ///                  by now; ends with all of them
 /// @return false, and nothing is painted, for what the kernels do not cover; the plain operations do it then
-bool paintComposedMap(const GlobeKernel &globe, const Photograph &photograph, const MapTurns &turns,
-                      int width, int height, const Canvas &canvas, const std::function<void(int)> &progress,
-                      ProposeSources *propose = proposeSources);
+bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph, const MapTurns &turns,
+                      int width, int height, const ImageView &canvas,
+                      const std::function<void(int)> &progress, ProposeSources *propose = proposeSources);

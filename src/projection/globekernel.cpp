@@ -78,7 +78,7 @@ std::vector<Direction> GlobeKernel::directions(int mapWidth) const
     return result;
 }
 
-Samples samplesWithin(const GlobeView &view, const Photograph &photograph,
+Samples samplesWithin(const GlobeView &view, const ConstImageView &photograph,
                       const std::vector<Direction> &directions, double largestRadius)
 {
     constexpr int64_t largestCentre = 1 << 30;
@@ -106,7 +106,7 @@ namespace
 {
 
 template <typename Sampler, typename Finish>
-void paintPlainRow(const Sampler &sample, const Photograph &photograph, Finish finish,
+void paintPlainRow(const Sampler &sample, const ConstImageView &photograph, Finish finish,
                    const std::vector<Direction> &directions, double radius, uint32_t *line)
 {
     RunReader<Finish> reader(photograph.pixels, finish);
@@ -123,7 +123,7 @@ void paintPlainRow(const Sampler &sample, const Photograph &photograph, Finish f
 
 } // namespace
 
-void paintGlobeRow(const GlobeView &view, const Photograph &photograph,
+void paintGlobeRow(const GlobeView &view, const ConstImageView &photograph,
                    const std::vector<Direction> &directions, double radius, uint32_t *line)
 {
     const Samples samples = samplesWithin(view, photograph, directions, std::abs(radius));

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "argbpixels.h"
+#include "imageview.h"
 #include "indexruns.h"
-#include "pixels.h"
+#include "premultiply.h"
 
 #include <cstdint>
 #include <vector>
@@ -69,7 +69,7 @@ template <bool Clipped>
 class PlainSampler
 {
 public:
-    PlainSampler(const GlobeView &view, const Photograph &photograph)
+    PlainSampler(const GlobeView &view, const ConstImageView &photograph)
         : m_stride(static_cast<int32_t>(photograph.stride))
         , m_width(photograph.width)
         , m_height(photograph.height)
@@ -111,7 +111,7 @@ enum class Samples {
     Wrapping ///< anything may happen: sampleAnywhere() alone is right
 };
 /// @param largestRadius  upper bound of |radius|, pixels
-Samples samplesWithin(const GlobeView &view, const Photograph &photograph,
+Samples samplesWithin(const GlobeView &view, const ConstImageView &photograph,
                       const std::vector<Direction> &directions, double largestRadius);
 /// The photograph pixel shown, for any view, direction and radius; may lie outside.
 struct Sample {
@@ -123,9 +123,9 @@ Sample sampleAnywhere(const GlobeView &view, Direction direction, double radius)
 /// Calls use(finish) with the function that turns a pixel of the photograph into one of a premultiplied
 /// canvas.
 template <typename Use>
-void withPixelFinish(const Photograph &photograph, Use use)
+void withPixelFinish(const ConstImageView &photograph, Use use)
 {
-    if (const uint32_t opaque = photograph.opaque)
+    if (const uint32_t opaque = photograph.opaqueBits)
         use([opaque](uint32_t argb) { return argb | opaque; });
     else
         use([](uint32_t argb) { return premultiplied(argb); });
@@ -135,7 +135,7 @@ void withPixelFinish(const Photograph &photograph, Use use)
 /// pixel.
 /// @param radius  of the row; any double
 /// @param line    the canvas row, one pixel for each direction
-void paintGlobeRow(const GlobeView &view, const Photograph &photograph,
+void paintGlobeRow(const GlobeView &view, const ConstImageView &photograph,
                    const std::vector<Direction> &directions, double radius, uint32_t *line);
 
 /// Number of samples of a row that pass the bounds of convertImage; a column one beyond the right edge

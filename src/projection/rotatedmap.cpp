@@ -36,7 +36,7 @@ private:
     int32_t m_stride;
 };
 
-void paintExactly(const RotationKernel &rotation, const MapPixels &map, const Canvas &canvas)
+void paintExactly(const RotationKernel &rotation, const ConstImageView &map, const ImageView &canvas)
 {
     for (int y = 0; y < rotation.height(); ++y)
         for (int x = 0; x < rotation.width(); ++x) {
@@ -49,7 +49,7 @@ void paintExactly(const RotationKernel &rotation, const MapPixels &map, const Ca
 
 } // namespace
 
-void paintRotatedMap(const RotationKernel &rotation, const MapPixels &map, const Canvas &canvas,
+void paintRotatedMap(const RotationKernel &rotation, const ConstImageView &map, const ImageView &canvas,
                      ProposeSources *propose)
 {
     const bool covered = MirroredColumns::cover(rotation.axis(), rotation.width(), rotation.height()) &&

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "imageview.h"
 #include "indexruns.h"
-#include "pixels.h"
 #include "rotationproposals.h"
 
 #include <algorithm>
@@ -27,7 +27,7 @@ public:
     /// @param pixels       what the indexes of the kernel count
     /// @param canvas       the finished map
     TurnedPainter(const RotationKernel &rotation, const MirroredColumns &mirror, int columnShift,
-                  const Kernel &kernel, const uint32_t *pixels, Finish finish, const Canvas &canvas,
+                  const Kernel &kernel, const uint32_t *pixels, Finish finish, const ImageView &canvas,
                   ProposeSources *propose)
         : m_rotation(rotation)
         , m_mirror(mirror)
@@ -127,7 +127,7 @@ private:
     ProposalScale m_scale;
     Proposals m_proposals;
     RunReader<Finish> m_reader;
-    Canvas m_canvas;
+    ImageView m_canvas;
     ProposeSources *m_propose;
     std::vector<PlaceRange> m_tiles;
 };
