@@ -68,7 +68,7 @@ public:
     {
         const bool painted = position.column >= 0 && position.column < m_rotation.width() &&
                              position.row >= m_rows.first && position.row <= m_rows.last;
-        return painted ? index(position.column, position.row) : IndexRun::none;
+        return painted ? index(position.column, position.row) : GatherBatch::none;
     }
 
     /// The columns that can reach the visible cap: Z' is monotonic between the longitudes -90 and 90.

@@ -109,16 +109,16 @@ template <typename Sampler, typename Finish>
 void paintPlainRow(const Sampler &sample, const ConstImageView &photograph, Finish finish,
                    const std::vector<Direction> &directions, double radius, uint32_t *line)
 {
-    RunReader<Finish> reader(photograph.pixels, finish);
-    for (size_t begin = 0; begin < directions.size(); begin += IndexRun::capacity) {
-        IndexRun &run = reader.empty();
-        run.count = static_cast<int>(std::min<size_t>(IndexRun::capacity, directions.size() - begin));
-        run.out = line + begin;
-        for (int i = 0; i < run.count; ++i)
-            run.indexes[i] = sample(directions[begin + size_t(i)], radius);
-        reader.filled();
+    GatherQueue<Finish> queue(photograph.pixels, finish);
+    for (size_t begin = 0; begin < directions.size(); begin += GatherBatch::capacity) {
+        GatherBatch &batch = queue.next();
+        batch.count = static_cast<int>(std::min<size_t>(GatherBatch::capacity, directions.size() - begin));
+        batch.out = line + begin;
+        for (int i = 0; i < batch.count; ++i)
+            batch.indexes[i] = sample(directions[begin + size_t(i)], radius);
+        queue.submit();
     }
-    reader.flush();
+    queue.flush();
 }
 
 } // namespace

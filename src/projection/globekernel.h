@@ -1,7 +1,7 @@
 #pragma once
 
+#include "gather.h"
 #include "imageview.h"
-#include "indexruns.h"
 #include "premultiply.h"
 
 #include <cstdint>
@@ -64,7 +64,7 @@ private:
 
 /// Turns direction and radius into the number of the photograph pixel shown, for views whose samples are
 /// plain: the low 16 bits are the whole number, and no sum overflows an int.
-/// @tparam Clipped  samples may lie outside the photograph; they give IndexRun::none
+/// @tparam Clipped  samples may lie outside the photograph; they give GatherBatch::none
 template <bool Clipped>
 class PlainSampler
 {
@@ -92,7 +92,7 @@ public:
         // Outside, the product may wrap: unsigned arithmetic defines it.
         const auto index = static_cast<int32_t>(static_cast<uint32_t>(y) * static_cast<uint32_t>(m_stride) +
                                                 static_cast<uint32_t>(x));
-        return inside ? index : IndexRun::none;
+        return inside ? index : GatherBatch::none;
     }
 
 private:

@@ -25,7 +25,7 @@ public:
     {
         const bool inside =
             position.column >= 0 && position.column < m_width && position.row >= 0 && position.row < m_height;
-        return inside ? index(position.column, position.row) : IndexRun::none;
+        return inside ? index(position.column, position.row) : GatherBatch::none;
     }
     PlaceRange places(int) const { return m_places; }
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "gather.h"
 #include "imageview.h"
-#include "indexruns.h"
 #include "rotationproposals.h"
 
 #include <algorithm>
@@ -16,7 +16,7 @@ using PlaceRange = std::pair<int, int>;
 /// shows; that map itself need not exist.
 /// @tparam Kernel
 ///     int32_t index(int column, int row) const      of a position that the proposals are sure of
-///     int32_t exactIndex(MapPosition) const         of any position; IndexRun::none outside
+///     int32_t exactIndex(MapPosition) const         of any position; GatherBatch::none outside
 ///     PlaceRange places(int y) const                that can show anything at all
 ///     int firstRow() const                          first row that index() may be asked for
 template <typename Kernel, typename Finish>
@@ -34,7 +34,7 @@ public:
         , m_columnShift(columnShift)
         , m_kernel(kernel)
         , m_scale(rotation.width(), rotation.height())
-        , m_reader(pixels, finish)
+        , m_gather(pixels, finish)
         , m_canvas(canvas)
         , m_propose(propose)
         , m_tiles(tiles())
@@ -66,7 +66,7 @@ private:
                 if (begin < end)
                     paintPlaces(y, begin, end);
             }
-        m_reader.flush();
+        m_gather.flush();
     }
 
     int canvasColumn(int mapColumn) const
@@ -75,7 +75,7 @@ private:
         return x < m_rotation.width() ? x : x - m_rotation.width();
     }
 
-    /// Pieces of at most IndexRun::capacity places in which neither the columns nor their mirrors pass the
+    /// Pieces of at most GatherBatch::capacity places in which neither the columns nor their mirrors pass the
     /// edge.
     std::vector<PlaceRange> tiles() const
     {
@@ -84,7 +84,7 @@ private:
             const int toRightEdge = m_rotation.width() - canvasColumn(m_mirror.column(begin));
             const int toLeftEdge = canvasColumn(m_mirror.mirroredColumn(begin)) + 1;
             const int end = std::min(
-                {begin + IndexRun::capacity, begin + toRightEdge, begin + toLeftEdge, m_mirror.count()});
+                {begin + GatherBatch::capacity, begin + toRightEdge, begin + toLeftEdge, m_mirror.count()});
             result.emplace_back(begin, end);
             begin = end;
         }
@@ -96,28 +96,28 @@ private:
         m_propose(m_scale, turnedRow(m_rotation, y), m_mirror.cosines() + begin, m_mirror.sines() + begin,
                   end - begin, m_proposals);
         uint32_t *line = m_canvas.pixels + y * m_canvas.stride;
-        paintRun(y, begin, end, m_proposals.columns, line + canvasColumn(m_mirror.column(begin)), 1,
-                 [&](int place) { return m_mirror.column(place); });
-        paintRun(y, begin, end, m_proposals.mirroredColumns,
-                 line + canvasColumn(m_mirror.mirroredColumn(begin)), -1,
-                 [&](int place) { return m_mirror.mirroredColumn(place); });
+        paintBatch(y, begin, end, m_proposals.columns, line + canvasColumn(m_mirror.column(begin)), 1,
+                   [&](int place) { return m_mirror.column(place); });
+        paintBatch(y, begin, end, m_proposals.mirroredColumns,
+                   line + canvasColumn(m_mirror.mirroredColumn(begin)), -1,
+                   [&](int place) { return m_mirror.mirroredColumn(place); });
     }
 
     template <typename ColumnOf>
-    void paintRun(int y, int begin, int end, const int32_t *columns, uint32_t *out, std::ptrdiff_t step,
-                  ColumnOf columnOf)
+    void paintBatch(int y, int begin, int end, const int32_t *columns, uint32_t *out, std::ptrdiff_t step,
+                    ColumnOf columnOf)
     {
-        IndexRun &run = m_reader.empty();
-        run.count = end - begin;
-        run.out = out;
-        run.step = step;
-        for (int i = 0; i < run.count; ++i)
-            run.indexes[i] = m_kernel.index(columns[i], m_proposals.rows[i]);
+        GatherBatch &batch = m_gather.next();
+        batch.count = end - begin;
+        batch.out = out;
+        batch.step = step;
+        for (int i = 0; i < batch.count; ++i)
+            batch.indexes[i] = m_kernel.index(columns[i], m_proposals.rows[i]);
         for (int i = 0; i < m_proposals.doubtfulCount; ++i) {
             const int place = m_proposals.doubtful[i];
-            run.indexes[place] = m_kernel.exactIndex(m_rotation.source(columnOf(begin + place), y));
+            batch.indexes[place] = m_kernel.exactIndex(m_rotation.source(columnOf(begin + place), y));
         }
-        m_reader.filled();
+        m_gather.submit();
     }
 
     const RotationKernel &m_rotation;
@@ -126,7 +126,7 @@ private:
     const Kernel &m_kernel;
     ProposalScale m_scale;
     Proposals m_proposals;
-    RunReader<Finish> m_reader;
+    GatherQueue<Finish> m_gather;
     ImageView m_canvas;
     ProposeSources *m_propose;
     std::vector<PlaceRange> m_tiles;
