@@ -73,9 +73,9 @@ QImage kernelMap(const BenchCase &c)
     view.photographHeight = c.photograph.height();
     QImage map = zeroedCanvas(c.mapSize());
     const int width = p.outputSizeX;
-    const MapTurns turns = {(columnShift(-p.azimuth, width) + width) % width, int(90 - p.latitude),
-                            (columnShift(p.longitude + 90, width) + width) % width};
-    paintComposedMap(GlobeKernel(view), photographView(c.photograph), turns, width, p.outputSizeY,
+    const MapRotation mapRotation = {(columnShift(-p.azimuth, width) + width) % width, int(90 - p.latitude),
+                                     (columnShift(p.longitude + 90, width) + width) % width};
+    paintComposedMap(GlobeKernel(view), photographView(c.photograph), mapRotation, width, p.outputSizeY,
                      canvasView(map), [](int) {});
     return map;
 }
@@ -86,19 +86,19 @@ struct Pictures {
         : expected(c.referenceMap())
         , workMap(zeroedCanvas(c.mapSize()))
         , expectedWorkMap(workMap)
-        , turned(workMap)
-        , expectedTurned(workMap)
+        , rotated(workMap)
+        , expectedRotated(workMap)
         , photograph(c.photograph)
     {
         reference::paintGlobe(photograph, expectedWorkMap, c.globe());
-        reference::rotate(3, 55, expectedWorkMap, expectedTurned);
+        reference::rotate(3, 55, expectedWorkMap, expectedRotated);
     }
 
     QImage expected;
     QImage workMap;
     QImage expectedWorkMap;
-    QImage turned;
-    QImage expectedTurned;
+    QImage rotated;
+    QImage expectedRotated;
     QImage photograph;
 };
 
@@ -121,20 +121,20 @@ Row measure(const BenchCase &c, int rounds)
     requireEqual(kernelMap(c), pictures.expected, "kernels");
     engine.convertImage(pictures.photograph, pictures.workMap);
     requireEqual(pictures.workMap, pictures.expectedWorkMap, "convertImage");
-    engine.rotateImage(3, 55, pictures.workMap, pictures.turned);
-    requireEqual(pictures.turned, pictures.expectedTurned, "rotateImage");
+    engine.rotateImage(3, 55, pictures.workMap, pictures.rotated);
+    requireEqual(pictures.rotated, pictures.expectedRotated, "rotateImage");
 
     constexpr int often = 5; // what is fast runs more often than what is slow
     Contest contest;
     contest.add("chain, plain", 1, [&] { c.referenceMap(); });
     contest.add("rotateImage, plain", 1,
-                [&] { reference::rotate(3, 55, pictures.expectedWorkMap, pictures.expectedTurned); });
+                [&] { reference::rotate(3, 55, pictures.expectedWorkMap, pictures.expectedRotated); });
     contest.add("convertImage, plain", 1,
                 [&] { reference::paintGlobe(pictures.photograph, pictures.workMap, c.globe()); });
     contest.add("chain", often, [&] { convertToMap(c.photograph, c.parameters); });
     contest.add("kernels alone", often, [&] { kernelMap(c); });
     contest.add("rotateImage", often,
-                [&] { engine.rotateImage(3, 55, pictures.expectedWorkMap, pictures.turned); });
+                [&] { engine.rotateImage(3, 55, pictures.expectedWorkMap, pictures.rotated); });
     contest.add("convertImage", often, [&] { engine.convertImage(pictures.photograph, pictures.workMap); });
     if (c.isNumbered()) {
         const std::vector<qint32> indexes = indexMap(pictures.expected);

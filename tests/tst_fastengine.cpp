@@ -138,10 +138,10 @@ QImage plainlyComposed(const Case &c)
     view.photographHeight = photograph.height();
     QImage map(width, p.outputSizeY, QImage::Format_ARGB32_Premultiplied);
     map.fill(Qt::transparent);
-    const MapTurns turns = {(azimuthShift + width) % width, int(90 - p.latitude),
-                            (longitudeShift + width) % width};
+    const MapRotation mapRotation = {(azimuthShift + width) % width, int(90 - p.latitude),
+                                     (longitudeShift + width) % width};
     const bool covered = paintComposedMap(
-        GlobeKernel(view), photographView(photograph), turns, width, p.outputSizeY, canvasView(map),
+        GlobeKernel(view), photographView(photograph), mapRotation, width, p.outputSizeY, canvasView(map),
         [](int) {}, proposeSourcesPlainly);
     return covered ? map : QImage();
 }
@@ -196,7 +196,7 @@ Case anyCase(Chance &chance, int photographSide, QSize largestMap)
     return c;
 }
 
-/// What became of the proposals for some rows of a turned map.
+/// What became of the proposals for some rows of a rotated map.
 struct Tally {
     qint64 places = 0;
     qint64 doubtful = 0;
@@ -210,7 +210,7 @@ struct Tally {
     }
 };
 
-/// A turned map, and what exact arithmetic says about one of its rows.
+/// A rotated map, and what exact arithmetic says about one of its rows.
 class ExactRows
 {
 public:
@@ -220,7 +220,7 @@ public:
 
     void moveTo(int y)
     {
-        m_row = turnedRow(m_rotation, y);
+        m_row = rotatedRow(m_rotation, y);
         m_positions.clear();
         for (int place = 0; place < m_mirror.count(); ++place)
             m_positions.append({m_rotation.source(m_mirror.column(place), y),
@@ -264,13 +264,13 @@ private:
     }
     static bool same(MapPosition a, MapPosition b) { return a.column == b.column && a.row == b.row; }
 
-    RotationKernel m_rotation;
+    SphereRotation m_rotation;
     MirroredColumns m_mirror;
-    TurnedRow m_row{};
+    RotatedRow m_row{};
     QVector<QPair<MapPosition, MapPosition>> m_positions;
 };
 
-/// Adds up the proposals for every so many rows of a turned map, on each way.
+/// Adds up the proposals for every so many rows of a rotated map, on each way.
 void tallyRows(int angle, QSize size, int rowStep, QMap<QString, Tally> &tallies)
 {
     ExactRows rows(angle, size);
@@ -368,7 +368,7 @@ void tst_FastEngine::mirrorsCoverEveryColumnOnce_data()
 void tst_FastEngine::mirrorsCoverEveryColumnOnce()
 {
     QFETCH(int, width);
-    const RotationKernel rotation(3, 55, width, 2);
+    const SphereRotation rotation(3, 55, width, 2);
     const MirroredColumns mirror(rotation);
     QVector<int> seen(width);
     for (int place = 0; place < mirror.count(); ++place) {
@@ -653,7 +653,7 @@ void tst_FastEngine::rotatesAsTheSlowEngine()
 
             QImage plainly = expected;
             plainly.fill(0xff123456);
-            paintRotatedMap(RotationKernel(axis, angle, size.width(), size.height()), mapView(map),
+            paintRotatedMap(SphereRotation(axis, angle, size.width(), size.height()), mapView(map),
                             canvasView(plainly), forced.propose());
             COMPARE_IMAGES(plainly, expected);
         }

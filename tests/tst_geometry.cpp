@@ -81,14 +81,14 @@ double distanceToBorder(const Place &place)
 struct Shot {
     Place below;             ///< the point of the globe straight below the camera
     double distance = 100.0; ///< camera to globe centre, globe radii
-    double turned = 0.0;     ///< counter-clockwise turn of the picture, degrees
+    double rotated = 0.0;    ///< counter-clockwise rotation of the picture, degrees
     int radius = 2000;       ///< of the disc, pixels
     int centerX = 2060;
     int centerY = 2030;
 };
 
 /// A pinhole camera that looks at the globe's centre: north is up and east right, before the picture is
-/// turned.
+/// rotated.
 QImage photographOf(const Shot &shot)
 {
     // Powers of two: there are heights at which the topmost row of the map stays empty.
@@ -98,8 +98,8 @@ QImage photographOf(const Shot &shot)
     const Vector camera = shot.distance * towardsCamera;
     const Vector north = direction({shot.below.latitude + 90, shot.below.longitude});
     const Vector east = direction({0, shot.below.longitude + 90});
-    const double c = std::cos(shot.turned * degree);
-    const double s = std::sin(shot.turned * degree);
+    const double c = std::cos(shot.rotated * degree);
+    const double s = std::sin(shot.rotated * degree);
     const Vector right = c * east + -s * north;
     const Vector up = s * east + c * north;
     // The ray that only just touches the globe meets the edge of the disc.
@@ -136,7 +136,7 @@ MapParameters parametersFor(const Shot &shot)
     p.outputSizeY = mapSize.height();
     p.latitude = shot.below.latitude;
     p.longitude = shot.below.longitude;
-    p.azimuth = shot.turned;
+    p.azimuth = shot.rotated;
     return p;
 }
 
@@ -174,13 +174,13 @@ void tst_Geometry::bordersLieWhereTheyBelong_data()
     QTest::addColumn<double>("latitude");
     QTest::addColumn<double>("longitude");
     QTest::addColumn<double>("distance");
-    QTest::addColumn<double>("turned");
+    QTest::addColumn<double>("rotated");
     QTest::addColumn<double>("tolerance"); // map pixels
     QTest::newRow("distance 100") << 35.0 << 139.0 << 100.0 << 0.0 << 2.0;
     QTest::newRow("distance 20, south, across longitude 180") << -48.0 << -176.0 << 20.0 << 0.0 << 2.0;
     QTest::newRow("distance 10.05, equator") << 0.0 << 0.0 << 10.05 << 0.0 << 2.0;
     QTest::newRow("distance 6.6, lens compression") << 10.0 << 80.0 << 6.6 << 0.0 << 12.0;
-    QTest::newRow("turned 30 degrees counter-clockwise") << 20.0 << -60.0 << 100.0 << 30.0 << 2.0;
+    QTest::newRow("rotated 30 degrees counter-clockwise") << 20.0 << -60.0 << 100.0 << 30.0 << 2.0;
 }
 
 void tst_Geometry::bordersLieWhereTheyBelong()
@@ -188,12 +188,12 @@ void tst_Geometry::bordersLieWhereTheyBelong()
     QFETCH(double, latitude);
     QFETCH(double, longitude);
     QFETCH(double, distance);
-    QFETCH(double, turned);
+    QFETCH(double, rotated);
     QFETCH(double, tolerance);
     Shot shot;
     shot.below = {latitude, longitude};
     shot.distance = distance;
-    shot.turned = turned;
+    shot.rotated = rotated;
     QImage map;
     {
         const MessageCollector silent;

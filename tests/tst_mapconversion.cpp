@@ -250,19 +250,19 @@ void tst_MapConversion::latitudeIsTruncated()
 
 void tst_MapConversion::resamplesForAnyLatitudeButThePole()
 {
-    // Turned by 0 degrees the map comes from up to one pixel to the left and above.
+    // Rotated by 0 degrees the map comes from up to one pixel to the left and above.
     MapParameters p = globeStageOnly();
     p.latitude = 89.5;
     const QImage map = convert(p);
-    const QImage unturned = globeStage();
-    QVERIFY(map != unturned);
+    const QImage unrotated = globeStage();
+    QVERIFY(map != unrotated);
     for (int y = 0; y < 64; ++y) {
         for (int x = 0; x < 128; ++x) {
             const int left = qMax(x - 1, 0);
             const int above = qMax(y - 1, 0);
             const QColor colour = map.pixelColor(x, y);
-            QVERIFY(colour == unturned.pixelColor(left, above) || colour == unturned.pixelColor(x, above) ||
-                    colour == unturned.pixelColor(left, y) || colour == unturned.pixelColor(x, y));
+            QVERIFY(colour == unrotated.pixelColor(left, above) || colour == unrotated.pixelColor(x, above) ||
+                    colour == unrotated.pixelColor(left, y) || colour == unrotated.pixelColor(x, y));
         }
     }
 }
@@ -330,10 +330,10 @@ void tst_MapConversion::convertsSixteenBitChannels()
             deep.setPixelColor(x, y, QColor::fromRgba64(next(), next(), next(), next()));
     }
     const MessageCollector silent;
-    MapParameters turned = globeStageOnly();
-    turned.latitude = 35;
-    turned.longitude = 139;
-    for (const MapParameters &p : {globeStageOnly(), turned})
+    MapParameters rotated = globeStageOnly();
+    rotated.latitude = 35;
+    rotated.longitude = 139;
+    for (const MapParameters &p : {globeStageOnly(), rotated})
         COMPARE_IMAGES(convertToMap(deep, p), convertToMap(deep.convertToFormat(QImage::Format_ARGB32), p));
 }
 

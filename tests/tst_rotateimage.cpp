@@ -44,7 +44,7 @@ class tst_RotateImage : public QObject
     Q_OBJECT
 
 private slots:
-    void shiftsByUpToOnePixelUnturned();
+    void shiftsByUpToOnePixelUnrotated();
     void turnsAboutThePolarAxis();
     void bringsTheTopRowToTheEquator_data();
     void bringsTheTopRowToTheEquator();
@@ -70,7 +70,7 @@ private slots:
     void handlesNoEvents();
 };
 
-void tst_RotateImage::shiftsByUpToOnePixelUnturned()
+void tst_RotateImage::shiftsByUpToOnePixelUnrotated()
 {
     // The angle of a column is measured in 360ths of the width, the column of an angle in 360ths of the width
     // less one: everything but the first row and column comes from one pixel before.
@@ -145,7 +145,7 @@ void tst_RotateImage::knowsThreeAxes()
 
 void tst_RotateImage::leavesPixelsWithoutLongitude()
 {
-    // 45 degrees down on longitude 0, turned by -135 about longitude 90, is exactly the pole: X and Y are 0.
+    // 45 degrees down on longitude 0, rotated by -135 about longitude 90, is exactly the pole: X and Y are 0.
     const QImage result = rotated(1, -135, locatedMap(4, 4));
     for (int y = 0; y < 4; ++y) {
         for (int x = 0; x < 4; ++x)

@@ -96,7 +96,7 @@ void ConvertImage::rotateImage(int axis, int angle, QImage &src, QImage &dst)
     const int height = src.height();
     if (height <= 0)
         return;
-    const RotationKernel kernel(axis, angle, width, height);
+    const SphereRotation kernel(axis, angle, width, height);
     const bool premultiplied =
         src.format() == QImage::Format_ARGB32_Premultiplied && src.format() == dst.format();
     if (premultiplied && dst.width() >= width && dst.height() >= height && &src != &dst) {

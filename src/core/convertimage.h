@@ -28,7 +28,7 @@ public:
     /// @param dst  the canvas, 32 bits with alpha; neither resized nor filled
     void convertImage(QImage &src, QImage &dst);
 
-    /// Turns the whole sphere and resamples every pixel of the map.
+    /// Rotates the whole sphere and resamples every pixel of the map.
     /// @param axis   2 about the polar axis, 3 about the axis through longitude 0 on the equator,
     ///               anything else about the axis through longitude 90
     /// @param angle  whole degrees, any int
@@ -37,7 +37,7 @@ public:
     ///               has no longitude or lies outside src
     void rotateImage(int axis, int angle, QImage &src, QImage &dst);
 
-    /// Turns the sphere about its polar axis: a cyclic shift of the columns.
+    /// Rotates the sphere about its polar axis: a cyclic shift of the columns.
     /// @param angle  degrees, positive to the right. 360 is taken off (or put on) once when it is larger than
     ///               360 (smaller than -360). A shift of less than one pixel draws nothing at all.
     ///               NaN and infinities draw nothing.

@@ -44,7 +44,7 @@ QImage argbPhotograph(const QImage &photograph)
                                                                    : QImage::Format_RGB32);
 }
 
-/// The number of columns that a turn by this angle moves the map, as the operations do it; nothing where they
+/// The number of columns that a rotation by this angle moves the map, as the operations do it; nothing where they
 /// draw an empty or an incomplete map.
 std::optional<int> cyclicShift(double angleDeg, int width)
 {
@@ -80,7 +80,7 @@ QImage composedMap(const QImage &photograph, const MapParameters &parameters)
     view.photographHeight = photograph.height();
     const GlobeKernel globe(view);
 
-    const MapTurns turns = {*azimuthShift, truncateToInt(90 - parameters.latitude), *longitudeShift};
+    const MapRotation mapRotation = {*azimuthShift, truncateToInt(90 - parameters.latitude), *longitudeShift};
     QImage map = transparentCanvas({width, height});
     if (map.isNull())
         return {};
@@ -89,7 +89,7 @@ QImage composedMap(const QImage &photograph, const MapParameters &parameters)
         for (; handled < globeRows; ++handled)
             QCoreApplication::processEvents();
     };
-    if (!paintComposedMap(globe, photographView(photograph), turns, width, height, canvasView(map),
+    if (!paintComposedMap(globe, photographView(photograph), mapRotation, width, height, canvasView(map),
                           handleEvents))
         return {};
     qDebug() << "Convert error " << qint64(0); // no row of the chain lies above its map
@@ -113,16 +113,16 @@ QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthCanvas 
     engine.convertImage(source, map);
 
     if (parameters.azimuth != 0.0) {
-        QImage turned;
+        QImage rotated;
         if (azimuthCanvas == AzimuthCanvas::Transparent) {
-            turned = transparentCanvas(size);
-            if (turned.isNull())
+            rotated = transparentCanvas(size);
+            if (rotated.isNull())
                 return {};
         }
-        engine.moveImage(-parameters.azimuth, map, turned);
-        map = turned;
+        engine.moveImage(-parameters.azimuth, map, rotated);
+        map = rotated;
     }
-    // Whether the step runs depends on the exact latitude, how far it turns only on whole degrees.
+    // Whether the step runs depends on the exact latitude, how far it rotates only on whole degrees.
     if (90 - parameters.latitude != 0.0) {
         QImage tilted = transparentCanvas(size);
         if (tilted.isNull())

@@ -12,7 +12,7 @@ struct MapParameters {
     int outputSizeY = 1024;  ///< map height, pixels
     double latitude = 0.0;   ///< centre of the finished map, degrees; used in whole degrees, truncated
     double longitude = 0.0;  ///< centre of the finished map, degrees
-    double azimuth = 0.0;    ///< turn about the disc centre, degrees
+    double azimuth = 0.0;    ///< rotation about the disc centre, degrees
 };
 
 /// What the azimuth step draws on. The batch run gives it no canvas: its result is then an empty map.

@@ -30,7 +30,7 @@ public:
     int penSize = 3;                                ///< circle pen width, photograph pixels, 1 .. 32
     double latitude = 0.0;                          ///< map centre, degrees, -90 .. 90
     double longitude = 0.0;                         ///< map centre, degrees, -180 .. 180
-    double azimuth = 0.0;                           ///< turn about the disc centre, degrees, 0 .. 360
+    double azimuth = 0.0;                           ///< rotation about the disc centre, degrees, 0 .. 360
     QString langFile;                               ///< path of the language file
     std::unique_ptr<Ui::Option> ui;
     QMap<QString, QString> showString; ///< message texts by key

@@ -1,6 +1,6 @@
 #include "composedmap.h"
 
-#include "turnedpainter.h"
+#include "tiledremap.h"
 
 #include <algorithm>
 #include <cmath>
@@ -46,7 +46,7 @@ class GlobeIndexes
 {
 public:
     GlobeIndexes(const GlobeKernel &globe, const ConstImageView &photograph, const PaintedRows &rows,
-                 const std::vector<Direction> &directions, const RotationKernel &rotation,
+                 const std::vector<Direction> &directions, const SphereRotation &rotation,
                  const MirroredColumns &mirror)
         : m_sample(globe.view(), photograph)
         , m_rows(rows)
@@ -97,15 +97,15 @@ private:
     PlainSampler<Clipped> m_sample;
     const PaintedRows &m_rows;
     const std::vector<Direction> &m_directions;
-    const RotationKernel &m_rotation;
+    const SphereRotation &m_rotation;
     const MirroredColumns &m_mirror;
     double m_zLimit;
 };
 
 } // namespace
 
-bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph, const MapTurns &turns,
-                      int width, int height, const ImageView &canvas,
+bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph,
+                      const MapRotation &mapRotation, int width, int height, const ImageView &canvas,
                       const std::function<void(int)> &progress, ProposeSources *propose)
 {
     if (!MirroredColumns::cover(3, width, height))
@@ -113,18 +113,18 @@ bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph
     const PaintedRows rows(globe, height);
     if (rows.count() == 0)
         return true;
-    const std::vector<Direction> directions = shiftedDirections(globe, width, turns.azimuthShift);
+    const std::vector<Direction> directions = shiftedDirections(globe, width, mapRotation.azimuthShift);
     const Samples samples = samplesWithin(globe.view(), photograph, directions, rows.largestRadius);
     if (samples == Samples::Wrapping)
         return false;
 
-    const RotationKernel rotation(3, turns.angleDeg, width, height);
+    const SphereRotation rotation(3, mapRotation.angleDeg, width, height);
     const MirroredColumns mirror(rotation);
     const auto paint = [&](const auto &kernel) {
         withPixelFinish(photograph, [&](auto finish) {
-            TurnedPainter painter(rotation, mirror, turns.longitudeShift, kernel, photograph.pixels, finish,
-                                  canvas, propose);
-            painter.paint([&](int rowsDone) {
+            TiledRemap remap(rotation, mirror, mapRotation.longitudeShift, kernel, photograph.pixels, finish,
+                             canvas, propose);
+            remap.paint([&](int rowsDone) {
                 progress(static_cast<int>((rows.count() * rowsDone + height - 1) / height));
             });
         });

@@ -5,9 +5,9 @@
 
 #include <functional>
 
-/// How the work map becomes the finished map: moved right by `azimuthShift` columns, turned, moved right by
+/// How the work map becomes the finished map: moved right by `azimuthShift` columns, rotated, moved right by
 /// `longitudeShift` columns. Shifts are cyclic, 0 .. W - 1.
-struct MapTurns {
+struct MapRotation {
     int azimuthShift = 0;
     int angleDeg = 0; ///< about axis 3
     int longitudeShift = 0;
@@ -19,6 +19,6 @@ struct MapTurns {
 /// @param progress  told between rows how many rows of the globe stage, of those that it paints, are worked off
 ///                  by now; ends with all of them
 /// @return false, and nothing is painted, for what the kernels do not cover; the plain operations do it then
-bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph, const MapTurns &turns,
-                      int width, int height, const ImageView &canvas,
+bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph,
+                      const MapRotation &mapRotation, int width, int height, const ImageView &canvas,
                       const std::function<void(int)> &progress, ProposeSources *propose = proposeSources);

@@ -1,17 +1,17 @@
 #include "rotatedmap.h"
 
-#include "turnedpainter.h"
+#include "tiledremap.h"
 
 #include <limits>
 
 namespace
 {
 
-/// Answers with the pixels of the map that is turned.
+/// Answers with the pixels of the map that is rotated.
 class MapIndexes
 {
 public:
-    MapIndexes(const RotationKernel &rotation, const MirroredColumns &mirror, std::ptrdiff_t stride)
+    MapIndexes(const SphereRotation &rotation, const MirroredColumns &mirror, std::ptrdiff_t stride)
         : m_width(rotation.width())
         , m_height(rotation.height())
         , m_places(0, mirror.count())
@@ -36,7 +36,7 @@ private:
     int32_t m_stride;
 };
 
-void paintExactly(const RotationKernel &rotation, const ConstImageView &map, const ImageView &canvas)
+void paintExactly(const SphereRotation &rotation, const ConstImageView &map, const ImageView &canvas)
 {
     for (int y = 0; y < rotation.height(); ++y)
         for (int x = 0; x < rotation.width(); ++x) {
@@ -49,7 +49,7 @@ void paintExactly(const RotationKernel &rotation, const ConstImageView &map, con
 
 } // namespace
 
-void paintRotatedMap(const RotationKernel &rotation, const ConstImageView &map, const ImageView &canvas,
+void paintRotatedMap(const SphereRotation &rotation, const ConstImageView &map, const ImageView &canvas,
                      ProposeSources *propose)
 {
     const bool covered = MirroredColumns::cover(rotation.axis(), rotation.width(), rotation.height()) &&
@@ -60,6 +60,6 @@ void paintRotatedMap(const RotationKernel &rotation, const ConstImageView &map, 
     const MirroredColumns mirror(rotation);
     const MapIndexes kernel(rotation, mirror, map.stride);
     const auto copied = [](uint32_t pixel) { return pixel; };
-    TurnedPainter painter(rotation, mirror, 0, kernel, map.pixels, copied, canvas, propose);
-    painter.paint([](int) {});
+    TiledRemap remap(rotation, mirror, 0, kernel, map.pixels, copied, canvas, propose);
+    remap.paint([](int) {});
 }

@@ -36,7 +36,7 @@ ProposalScale::ProposalScale(int mapWidth, int mapHeight)
 {
 }
 
-void proposeSourcesPlainly(const ProposalScale &scale, const TurnedRow &row, const float *cosines,
+void proposeSourcesPlainly(const ProposalScale &scale, const RotatedRow &row, const float *cosines,
                            const float *sines, int count, Proposals &out)
 {
     out.doubtfulCount = 0;
@@ -63,7 +63,7 @@ void proposeSourcesPlainly(const ProposalScale &scale, const TurnedRow &row, con
 }
 
 #ifndef OVMIC_HIGHWAY
-void proposeSources(const ProposalScale &scale, const TurnedRow &row, const float *cosines,
+void proposeSources(const ProposalScale &scale, const RotatedRow &row, const float *cosines,
                     const float *sines, int count, Proposals &out)
 {
     proposeSourcesPlainly(scale, row, cosines, sines, count, out);
@@ -76,7 +76,7 @@ bool MirroredColumns::cover(int axis, int width, int height)
            height <= largestTable;
 }
 
-MirroredColumns::MirroredColumns(const RotationKernel &rotation)
+MirroredColumns::MirroredColumns(const SphereRotation &rotation)
     : m_width(rotation.width()), m_first(-(rotation.width() / 4)), m_count(2 * (rotation.width() / 4) + 1)
 {
     const size_t size = size_t(m_count) + Proposals::padding;
@@ -90,7 +90,7 @@ MirroredColumns::MirroredColumns(const RotationKernel &rotation)
     }
 }
 
-TurnedRow turnedRow(const RotationKernel &rotation, int y)
+RotatedRow rotatedRow(const SphereRotation &rotation, int y)
 {
     const double ca = rotation.cosineOfAngle();
     const double sa = rotation.sineOfAngle();

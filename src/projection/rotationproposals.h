@@ -1,14 +1,14 @@
 #pragma once
 
-#include "rotationkernel.h"
+#include "sphererotation.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
-/// One row of a turned map, in floats: the direction of a column with cosine c and sine s is
+/// One row of a rotated map, in floats: the direction of a column with cosine c and sine s is
 /// (x * c, yBySine * s + y, zBySine * s + z) in the map that is read.
-struct TurnedRow {
+struct RotatedRow {
     float x;
     float yBySine;
     float y;
@@ -44,19 +44,19 @@ struct Proposals {
     int doubtfulCount = 0;
 };
 
-/// Fills in proposals. Everything not listed as doubtful equals RotationKernel::source(); doubtful places
+/// Fills in proposals. Everything not listed as doubtful equals SphereRotation::source(); doubtful places
 /// hold a position inside the map.
 /// @param cosines  of the longitudes -90 .. 90, not negative, readable for `padding` more
 /// @param sines    likewise
 /// @param count    1 .. Proposals::capacity
-using ProposeSources = void(const ProposalScale &scale, const TurnedRow &row, const float *cosines,
+using ProposeSources = void(const ProposalScale &scale, const RotatedRow &row, const float *cosines,
                             const float *sines, int count, Proposals &out);
 /// With the best vector instructions of this machine, if the build has them.
 ProposeSources proposeSources;
 /// One column after the other, in plain C++.
 ProposeSources proposeSourcesPlainly;
 
-/// The columns of a turned map in the order of the kernels: x and its mirror W/2 - x share Y and Z, only X
+/// The columns of a rotated map in the order of the kernels: x and its mirror W/2 - x share Y and Z, only X
 /// changes its sign, so that one proposal serves both.
 class MirroredColumns
 {
@@ -64,7 +64,7 @@ public:
     /// Whether the kernels cover a rotation: about axis 3, even width, 2 .. 32767 pixels a side.
     static bool cover(int axis, int width, int height);
 
-    explicit MirroredColumns(const RotationKernel &rotation);
+    explicit MirroredColumns(const SphereRotation &rotation);
 
     /// Number of places; their longitudes rise from about -90 to 90 degrees.
     int count() const { return m_count; }
@@ -84,4 +84,4 @@ private:
     std::vector<float> m_sines;
 };
 
-TurnedRow turnedRow(const RotationKernel &rotation, int y);
+RotatedRow rotatedRow(const SphereRotation &rotation, int y);

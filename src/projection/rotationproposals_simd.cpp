@@ -38,7 +38,7 @@ HWY_INLINE Vector fromWhole(Vector v)
     return hn::Abs(hn::Sub(v, hn::Round(v)));
 }
 
-void propose(const ProposalScale &scale, const TurnedRow &row, const float *HWY_RESTRICT cosines,
+void propose(const ProposalScale &scale, const RotatedRow &row, const float *HWY_RESTRICT cosines,
              const float *HWY_RESTRICT sines, int count, Proposals &out)
 {
     const Floats d;
@@ -93,7 +93,7 @@ HWY_AFTER_NAMESPACE();
 #if HWY_ONCE
 HWY_EXPORT(propose);
 
-void proposeSources(const ProposalScale &scale, const TurnedRow &row, const float *cosines,
+void proposeSources(const ProposalScale &scale, const RotatedRow &row, const float *cosines,
                     const float *sines, int count, Proposals &out)
 {
     HWY_DYNAMIC_DISPATCH(propose)(scale, row, cosines, sines, count, out);

@@ -35,7 +35,7 @@ struct Conversion {
 /// @return the number of samples that lay above the top of the map
 qint64 paintGlobe(const QImage &photograph, QImage &map, const Globe &globe);
 
-/// Turns the sphere by whole degrees. @param axis  2, 3, or anything else for the remaining one
+/// Rotates the sphere by whole degrees. @param axis  2, 3, or anything else for the remaining one
 void rotate(int axis, int angle, const QImage &source, QImage &map);
 
 /// Shifts the columns by an angle in degrees, once round. @param map  transparent, as large as the source

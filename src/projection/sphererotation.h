@@ -15,13 +15,13 @@ struct CosineSine {
     double sine;
 };
 
-/// Columns by which a map moves to the right when its sphere turns about the polar axis.
+/// Columns by which a map moves to the right when its sphere is rotated about the polar axis.
 /// @param angleDeg  360 is taken off (or put on) once when it is larger than 360 (smaller than -360)
 /// @return toward zero; -2147483648 where that is no int
 int columnShift(double angleDeg, int width);
 
-/// Which pixel of a map the turned map reads, in the doubles of the formulas: the judge of everything faster.
-class RotationKernel
+/// Which pixel of a map the rotated map reads, in the doubles of the formulas: the judge of everything faster.
+class SphereRotation
 {
 public:
     /// @param axis      2 about the polar axis, 3 about longitude 0 on the equator, else about longitude 90
@@ -29,9 +29,9 @@ public:
     /// @param width     of the map, pixels; 0 or less: no column
     /// @param height    of the map, pixels, at least 1
     /// Sides of up to largestTable pixels have their sines and cosines in a table.
-    RotationKernel(int axis, int angleDeg, int width, int height);
+    SphereRotation(int axis, int angleDeg, int width, int height);
 
-    /// Where pixel (x, y) of the turned map reads. A direction without longitude gives a column outside.
+    /// Where pixel (x, y) of the rotated map reads. A direction without longitude gives a column outside.
     MapPosition source(int x, int y) const;
 
     int axis() const { return m_axis; }

@@ -1,4 +1,4 @@
-#include "rotationkernel.h"
+#include "sphererotation.h"
 
 #include "globekernel.h"
 #include "integers.h"
@@ -14,7 +14,7 @@ int columnShift(double angleDeg, int width)
     return truncateToInt(static_cast<double>(width) / 360 * angleDeg);
 }
 
-RotationKernel::RotationKernel(int axis, int angleDeg, int width, int height)
+SphereRotation::SphereRotation(int axis, int angleDeg, int width, int height)
     : m_axis(axis)
     , m_width(width)
     , m_height(height)
@@ -27,47 +27,47 @@ RotationKernel::RotationKernel(int axis, int angleDeg, int width, int height)
         m_rows.push_back(rowAngle(y));
 }
 
-CosineSine RotationKernel::columnAngle(int x) const
+CosineSine SphereRotation::columnAngle(int x) const
 {
     const double lambda = x * 360.0 / m_width * radiansPerDegree;
     return {std::cos(lambda), std::sin(lambda)};
 }
 
-CosineSine RotationKernel::rowAngle(int y) const
+CosineSine SphereRotation::rowAngle(int y) const
 {
     const double theta = (y * 180.0 / m_height + (-90)) * radiansPerDegree;
     return {std::cos(theta), std::sin(theta)};
 }
 
-MapPosition RotationKernel::source(int x, int y) const
+MapPosition SphereRotation::source(int x, int y) const
 {
     const CosineSine lambda = column(x);
     const CosineSine theta = row(y);
     const double X = lambda.cosine * theta.cosine;
     const double Y = lambda.sine * theta.cosine;
     const double Z = theta.sine;
-    double turnedX = X;
-    double turnedY = Y;
-    double turnedZ = Z;
+    double rotatedX = X;
+    double rotatedY = Y;
+    double rotatedZ = Z;
     if (m_axis == 2) {
-        turnedX = m_cosine * X + m_sine * Y;
-        turnedY = m_cosine * Y - m_sine * X;
+        rotatedX = m_cosine * X + m_sine * Y;
+        rotatedY = m_cosine * Y - m_sine * X;
     } else if (m_axis == 3) {
-        turnedY = m_cosine * Y + m_sine * Z;
-        turnedZ = m_cosine * Z - m_sine * Y;
+        rotatedY = m_cosine * Y + m_sine * Z;
+        rotatedZ = m_cosine * Z - m_sine * Y;
     } else {
-        turnedX = m_cosine * X + m_sine * Z;
-        turnedZ = m_cosine * Z - m_sine * X;
+        rotatedX = m_cosine * X + m_sine * Z;
+        rotatedZ = m_cosine * Z - m_sine * X;
     }
-    double longitude = std::atan(turnedY / turnedX) / radiansPerDegree;
-    if (turnedX < 0)
+    double longitude = std::atan(rotatedY / rotatedX) / radiansPerDegree;
+    if (rotatedX < 0)
         longitude += 180;
     if (longitude < 0)
         longitude += 360;
     if (longitude > 360)
         longitude -= 360;
     const double colatitude =
-        std::atan(turnedZ / std::sqrt(turnedX * turnedX + turnedY * turnedY)) / radiansPerDegree + 90;
+        std::atan(rotatedZ / std::sqrt(rotatedX * rotatedX + rotatedY * rotatedY)) / radiansPerDegree + 90;
     // A direction on the axis has no longitude: NaN, which truncates to a column outside the map.
     return {truncateToInt(longitude * (m_width - 1) / 360), truncateToInt(colatitude * (m_height - 1) / 180)};
 }

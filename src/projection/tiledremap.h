@@ -12,7 +12,7 @@
 /// Places from .first to before .second; empty when they are equal.
 using PlaceRange = std::pair<int, int>;
 
-/// Paints the rows of a turned map. A kernel answers which pixel each position of the map that is turned
+/// Paints the rows of a rotated map. A kernel answers which pixel each position of the map that is rotated
 /// shows; that map itself need not exist.
 /// @tparam Kernel
 ///     int32_t index(int column, int row) const      of a position that the proposals are sure of
@@ -20,15 +20,15 @@ using PlaceRange = std::pair<int, int>;
 ///     PlaceRange places(int y) const                that can show anything at all
 ///     int firstRow() const                          first row that index() may be asked for
 template <typename Kernel, typename Finish>
-class TurnedPainter
+class TiledRemap
 {
 public:
     /// @param columnShift  the finished map is moved this far to the right, cyclically; 0 .. W - 1
     /// @param pixels       what the indexes of the kernel count
     /// @param canvas       the finished map
-    TurnedPainter(const RotationKernel &rotation, const MirroredColumns &mirror, int columnShift,
-                  const Kernel &kernel, const uint32_t *pixels, Finish finish, const ImageView &canvas,
-                  ProposeSources *propose)
+    TiledRemap(const SphereRotation &rotation, const MirroredColumns &mirror, int columnShift,
+               const Kernel &kernel, const uint32_t *pixels, Finish finish, const ImageView &canvas,
+               ProposeSources *propose)
         : m_rotation(rotation)
         , m_mirror(mirror)
         , m_columnShift(columnShift)
@@ -93,7 +93,7 @@ private:
 
     void paintPlaces(int y, int begin, int end)
     {
-        m_propose(m_scale, turnedRow(m_rotation, y), m_mirror.cosines() + begin, m_mirror.sines() + begin,
+        m_propose(m_scale, rotatedRow(m_rotation, y), m_mirror.cosines() + begin, m_mirror.sines() + begin,
                   end - begin, m_proposals);
         uint32_t *line = m_canvas.pixels + y * m_canvas.stride;
         paintBatch(y, begin, end, m_proposals.columns, line + canvasColumn(m_mirror.column(begin)), 1,
@@ -120,7 +120,7 @@ private:
         m_gather.submit();
     }
 
-    const RotationKernel &m_rotation;
+    const SphereRotation &m_rotation;
     const MirroredColumns &m_mirror;
     int m_columnShift;
     const Kernel &m_kernel;
