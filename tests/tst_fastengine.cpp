@@ -45,7 +45,7 @@ QVector<Way> ways()
     return result;
 }
 
-/// While it lives, proposeSources() uses one instruction set only.
+/// While it lives, approximateSources() uses one instruction set only.
 class ForcedWay
 {
 public:
@@ -63,9 +63,9 @@ public:
     }
     Q_DISABLE_COPY_MOVE(ForcedWay)
 
-    ProposeSources *propose() const
+    ApproximateSources *approximate() const
     {
-        return m_plain ? proposeSourcesPlainly : proposeSources;
+        return m_plain ? approximateSourcesPlainly : approximateSources;
     }
 
 private:
@@ -115,7 +115,7 @@ QImage expectedMap(const Case &c)
                                              p.outputSizeY, p.latitude, p.longitude, p.azimuth, true});
 }
 
-/// The chain in one pass with plain proposals, where the kernels cover it; null elsewhere.
+/// The chain in one pass with plain approximations, where the kernels cover it; null elsewhere.
 QImage plainlyComposed(const Case &c)
 {
     const MapParameters &p = c.parameters;
@@ -142,7 +142,7 @@ QImage plainlyComposed(const Case &c)
                                      (longitudeShift + width) % width};
     const bool covered = paintComposedMap(
         GlobeKernel(view), photographView(photograph), mapRotation, width, p.outputSizeY, canvasView(map),
-        [](int) {}, proposeSourcesPlainly);
+        [](int) {}, approximateSourcesPlainly);
     return covered ? map : QImage();
 }
 
@@ -196,16 +196,16 @@ Case anyCase(Chance &chance, int photographSide, QSize largestMap)
     return c;
 }
 
-/// What became of the proposals for some rows of a rotated map.
+/// What became of the approximation of some rows of a rotated map.
 struct Tally {
     qint64 places = 0;
-    qint64 doubtful = 0;
-    qint64 wrong = 0; ///< neither doubtful nor what exact arithmetic says
+    qint64 uncertain = 0;
+    qint64 wrong = 0; ///< neither uncertain nor what exact arithmetic says
 
     void operator+=(const Tally &other)
     {
         places += other.places;
-        doubtful += other.doubtful;
+        uncertain += other.uncertain;
         wrong += other.wrong;
     }
 };
@@ -227,30 +227,31 @@ public:
                                 m_rotation.source(m_mirror.mirroredColumn(place), y)});
     }
 
-    /// Proposes the row in pieces.
+    /// Approximates the row in pieces.
     /// @param guard  factor on all guards
-    Tally tally(ProposeSources *propose, double guard = 1) const
+    Tally tally(ApproximateSources *approximate, double guard = 1) const
     {
-        ProposalScale scale(m_rotation.width(), m_rotation.height());
+        ApproxScale scale(m_rotation.width(), m_rotation.height());
         scale.columnGuard *= float(guard);
         scale.rowGuard *= float(guard);
         scale.relativeGuard *= float(guard);
-        const auto out = std::make_unique<Proposals>();
+        const auto out = std::make_unique<ApproxSources>();
         Tally tally;
-        for (int begin = 0; begin < m_mirror.count(); begin += Proposals::capacity) {
-            const int count = std::min(Proposals::capacity, m_mirror.count() - begin);
-            propose(scale, m_row, m_mirror.cosines() + begin, m_mirror.sines() + begin, count, *out);
+        for (int begin = 0; begin < m_mirror.count(); begin += ApproxSources::capacity) {
+            const int count = std::min(ApproxSources::capacity, m_mirror.count() - begin);
+            approximate(scale, m_row, m_mirror.cosines() + begin, m_mirror.sines() + begin, count, *out);
             tally.places += count;
-            tally.doubtful += out->doubtfulCount;
-            const int32_t *nextDoubtful = out->doubtful;
+            tally.uncertain += out->uncertainCount;
+            const int32_t *nextUncertain = out->uncertain;
             for (int i = 0; i < count; ++i) {
-                const bool doubtful = nextDoubtful < out->doubtful + out->doubtfulCount && *nextDoubtful == i;
-                nextDoubtful += doubtful;
+                const bool uncertain =
+                    nextUncertain < out->uncertain + out->uncertainCount && *nextUncertain == i;
+                nextUncertain += uncertain;
                 const MapPosition direct = {out->columns[i], out->rows[i]};
                 const MapPosition mirrored = {out->mirroredColumns[i], out->rows[i]};
                 const auto &exact = m_positions[begin + i];
-                const bool right = doubtful ? isInside(direct) && isInside(mirrored)
-                                            : same(direct, exact.first) && same(mirrored, exact.second);
+                const bool right = uncertain ? isInside(direct) && isInside(mirrored)
+                                             : same(direct, exact.first) && same(mirrored, exact.second);
                 tally.wrong += right ? 0 : 1;
             }
         }
@@ -270,7 +271,7 @@ private:
     QVector<QPair<MapPosition, MapPosition>> m_positions;
 };
 
-/// Adds up the proposals for every so many rows of a rotated map, on each way.
+/// Adds up the approximations of every so many rows of a rotated map, on each way.
 void tallyRows(int angle, QSize size, int rowStep, QMap<QString, Tally> &tallies)
 {
     ExactRows rows(angle, size);
@@ -278,7 +279,7 @@ void tallyRows(int angle, QSize size, int rowStep, QMap<QString, Tally> &tallies
         rows.moveTo(y);
         for (const Way &way : ways()) {
             const ForcedWay forced(way);
-            tallies[way.name] += rows.tally(forced.propose());
+            tallies[way.name] += rows.tally(forced.approximate());
         }
     }
 }
@@ -300,10 +301,10 @@ private slots:
     void arcTangentKeepsItsError();
     void mirrorsCoverEveryColumnOnce_data();
     void mirrorsCoverEveryColumnOnce();
-    void proposalsAreExactOrDoubtful_data();
-    void proposalsAreExactOrDoubtful();
-    void proposalsAreExactAtEveryWholeDegree();
-    void fewProposalsAreDoubtful();
+    void approximationsAreExactOrUncertain_data();
+    void approximationsAreExactOrUncertain();
+    void approximationsAreExactAtEveryWholeDegree();
+    void fewApproximationsAreUncertain();
     void guardsHaveAMargin();
     void agreesForRandomSets();
     void agreesForEverySmallSize();
@@ -386,7 +387,7 @@ void tst_FastEngine::mirrorsCoverEveryColumnOnce()
     QCOMPARE(seen, QVector<int>(width, 1));
 }
 
-void tst_FastEngine::proposalsAreExactOrDoubtful_data()
+void tst_FastEngine::approximationsAreExactOrUncertain_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("rowStep");
@@ -399,7 +400,7 @@ void tst_FastEngine::proposalsAreExactOrDoubtful_data()
     QTest::newRow("32766 x 32767") << QSize(32766, 32767) << 16001;
 }
 
-void tst_FastEngine::proposalsAreExactOrDoubtful()
+void tst_FastEngine::approximationsAreExactOrUncertain()
 {
     QFETCH(QSize, size);
     QFETCH(int, rowStep);
@@ -409,11 +410,11 @@ void tst_FastEngine::proposalsAreExactOrDoubtful()
             tallyRows(angle, {size.width(), height}, rowStep, tallies);
     for (const QString &way : tallies.keys()) {
         QVERIFY2(tallies[way].wrong == 0, qPrintable(way));
-        QVERIFY2(tallies[way].doubtful < tallies[way].places, qPrintable(way));
+        QVERIFY2(tallies[way].uncertain < tallies[way].places, qPrintable(way));
     }
 }
 
-void tst_FastEngine::proposalsAreExactAtEveryWholeDegree()
+void tst_FastEngine::approximationsAreExactAtEveryWholeDegree()
 {
     for (int angle = -360; angle <= 360; ++angle) {
         QMap<QString, Tally> tallies;
@@ -424,19 +425,19 @@ void tst_FastEngine::proposalsAreExactAtEveryWholeDegree()
     }
 }
 
-void tst_FastEngine::fewProposalsAreDoubtful()
+void tst_FastEngine::fewApproximationsAreUncertain()
 {
     QMap<QString, Tally> small;
     tallyRows(55, {2048, 1024}, 61, small);
     QMap<QString, Tally> large;
     tallyRows(55, {8192, 4096}, 997, large);
     for (const Way &way : ways()) {
-        QVERIFY2(small[way.name].doubtful * 200 < small[way.name].places, qPrintable(way.name));
-        QVERIFY2(large[way.name].doubtful * 50 < large[way.name].places, qPrintable(way.name));
+        QVERIFY2(small[way.name].uncertain * 200 < small[way.name].places, qPrintable(way.name));
+        QVERIFY2(large[way.name].uncertain * 50 < large[way.name].places, qPrintable(way.name));
     }
 }
 
-/// Searches for the worst error: without a guard some proposals go wrong, with half of it none must. The
+/// Searches for the worst error: without a guard some approximations go wrong, with half of it none must. The
 /// largest map has the most whole numbers to come near to; errors and guards grow with the map alike.
 void tst_FastEngine::guardsHaveAMargin()
 {
@@ -452,7 +453,7 @@ void tst_FastEngine::guardsHaveAMargin()
                 const ForcedWay forced(way);
                 wrong[way.name].resize(guards.size());
                 for (int i = 0; i < guards.size(); ++i)
-                    wrong[way.name][i] += rows.tally(forced.propose(), guards[i]).wrong;
+                    wrong[way.name][i] += rows.tally(forced.approximate(), guards[i]).wrong;
             }
         }
     }
@@ -460,7 +461,7 @@ void tst_FastEngine::guardsHaveAMargin()
         QStringList counts;
         for (int i = 0; i < guards.size(); ++i)
             counts += QStringLiteral("%1: %2").arg(guards[i]).arg(wrong[way][i]);
-        qInfo().noquote() << way << "- wrong proposals by part of the guard -" << counts.join(", ");
+        qInfo().noquote() << way << "- wrong approximations by part of the guard -" << counts.join(", ");
         QVERIFY(wrong[way].first() > 0);
         QVERIFY(wrong[way].last() == 0);
     }
@@ -654,7 +655,7 @@ void tst_FastEngine::rotatesAsTheSlowEngine()
             QImage plainly = expected;
             plainly.fill(0xff123456);
             paintRotatedMap(SphereRotation(axis, angle, size.width(), size.height()), mapView(map),
-                            canvasView(plainly), forced.propose());
+                            canvasView(plainly), forced.approximate());
             COMPARE_IMAGES(plainly, expected);
         }
     }

@@ -106,7 +106,7 @@ private:
 
 bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph,
                       const MapRotation &mapRotation, int width, int height, const ImageView &canvas,
-                      const std::function<void(int)> &progress, ProposeSources *propose)
+                      const std::function<void(int)> &progress, ApproximateSources *approximate)
 {
     if (!MirroredColumns::cover(3, width, height))
         return false;
@@ -123,7 +123,7 @@ bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph
     const auto paint = [&](const auto &kernel) {
         withPixelFinish(photograph, [&](auto finish) {
             TiledRemap remap(rotation, mirror, mapRotation.longitudeShift, kernel, photograph.pixels, finish,
-                             canvas, propose);
+                             canvas, approximate);
             remap.paint([&](int rowsDone) {
                 progress(static_cast<int>((rows.count() * rowsDone + height - 1) / height));
             });

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "approxrotation.h"
 #include "globekernel.h"
-#include "rotationproposals.h"
 
 #include <functional>
 
@@ -21,4 +21,5 @@ struct MapRotation {
 /// @return false, and nothing is painted, for what the kernels do not cover; the plain operations do it then
 bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph,
                       const MapRotation &mapRotation, int width, int height, const ImageView &canvas,
-                      const std::function<void(int)> &progress, ProposeSources *propose = proposeSources);
+                      const std::function<void(int)> &progress,
+                      ApproximateSources *approximate = approximateSources);

@@ -50,7 +50,7 @@ void paintExactly(const SphereRotation &rotation, const ConstImageView &map, con
 } // namespace
 
 void paintRotatedMap(const SphereRotation &rotation, const ConstImageView &map, const ImageView &canvas,
-                     ProposeSources *propose)
+                     ApproximateSources *approximate)
 {
     const bool covered = MirroredColumns::cover(rotation.axis(), rotation.width(), rotation.height()) &&
                          map.stride * rotation.height() <= std::numeric_limits<int32_t>::max();
@@ -60,6 +60,6 @@ void paintRotatedMap(const SphereRotation &rotation, const ConstImageView &map, 
     const MirroredColumns mirror(rotation);
     const MapIndexes kernel(rotation, mirror, map.stride);
     const auto copied = [](uint32_t pixel) { return pixel; };
-    TiledRemap remap(rotation, mirror, 0, kernel, map.pixels, copied, canvas, propose);
+    TiledRemap remap(rotation, mirror, 0, kernel, map.pixels, copied, canvas, approximate);
     remap.paint([](int) {});
 }

@@ -1,11 +1,11 @@
 #pragma once
 
+#include "approxrotation.h"
 #include "imageview.h"
-#include "rotationproposals.h"
 
 /// Paints a rotated map: each pixel is copied from where SphereRotation::source() says, or stays as it is
 /// where that lies outside.
 /// @param map     of the size of the rotation; must not overlap the canvas
 /// @param canvas  at least as large
 void paintRotatedMap(const SphereRotation &rotation, const ConstImageView &map, const ImageView &canvas,
-                     ProposeSources *propose = proposeSources);
+                     ApproximateSources *approximate = approximateSources);

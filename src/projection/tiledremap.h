@@ -1,8 +1,8 @@
 #pragma once
 
+#include "approxrotation.h"
 #include "gather.h"
 #include "imageview.h"
-#include "rotationproposals.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -15,7 +15,7 @@ using PlaceRange = std::pair<int, int>;
 /// Paints the rows of a rotated map. A kernel answers which pixel each position of the map that is rotated
 /// shows; that map itself need not exist.
 /// @tparam Kernel
-///     int32_t index(int column, int row) const      of a position that the proposals are sure of
+///     int32_t index(int column, int row) const      of a position that the approximation is certain of
 ///     int32_t exactIndex(MapPosition) const         of any position; GatherBatch::none outside
 ///     PlaceRange places(int y) const                that can show anything at all
 ///     int firstRow() const                          first row that index() may be asked for
@@ -28,7 +28,7 @@ public:
     /// @param canvas       the finished map
     TiledRemap(const SphereRotation &rotation, const MirroredColumns &mirror, int columnShift,
                const Kernel &kernel, const uint32_t *pixels, Finish finish, const ImageView &canvas,
-               ProposeSources *propose)
+               ApproximateSources *approximate)
         : m_rotation(rotation)
         , m_mirror(mirror)
         , m_columnShift(columnShift)
@@ -36,7 +36,7 @@ public:
         , m_scale(rotation.width(), rotation.height())
         , m_gather(pixels, finish)
         , m_canvas(canvas)
-        , m_propose(propose)
+        , m_approximate(approximate)
         , m_tiles(tiles())
     {
         m_scale.firstRow = static_cast<float>(kernel.firstRow());
@@ -93,12 +93,12 @@ private:
 
     void paintPlaces(int y, int begin, int end)
     {
-        m_propose(m_scale, rotatedRow(m_rotation, y), m_mirror.cosines() + begin, m_mirror.sines() + begin,
-                  end - begin, m_proposals);
+        m_approximate(m_scale, rotatedRow(m_rotation, y), m_mirror.cosines() + begin,
+                      m_mirror.sines() + begin, end - begin, m_approx);
         uint32_t *line = m_canvas.pixels + y * m_canvas.stride;
-        paintBatch(y, begin, end, m_proposals.columns, line + canvasColumn(m_mirror.column(begin)), 1,
+        paintBatch(y, begin, end, m_approx.columns, line + canvasColumn(m_mirror.column(begin)), 1,
                    [&](int place) { return m_mirror.column(place); });
-        paintBatch(y, begin, end, m_proposals.mirroredColumns,
+        paintBatch(y, begin, end, m_approx.mirroredColumns,
                    line + canvasColumn(m_mirror.mirroredColumn(begin)), -1,
                    [&](int place) { return m_mirror.mirroredColumn(place); });
     }
@@ -112,9 +112,9 @@ private:
         batch.out = out;
         batch.step = step;
         for (int i = 0; i < batch.count; ++i)
-            batch.indexes[i] = m_kernel.index(columns[i], m_proposals.rows[i]);
-        for (int i = 0; i < m_proposals.doubtfulCount; ++i) {
-            const int place = m_proposals.doubtful[i];
+            batch.indexes[i] = m_kernel.index(columns[i], m_approx.rows[i]);
+        for (int i = 0; i < m_approx.uncertainCount; ++i) {
+            const int place = m_approx.uncertain[i];
             batch.indexes[place] = m_kernel.exactIndex(m_rotation.source(columnOf(begin + place), y));
         }
         m_gather.submit();
@@ -124,10 +124,10 @@ private:
     const MirroredColumns &m_mirror;
     int m_columnShift;
     const Kernel &m_kernel;
-    ProposalScale m_scale;
-    Proposals m_proposals;
+    ApproxScale m_scale;
+    ApproxSources m_approx;
     GatherQueue<Finish> m_gather;
     ImageView m_canvas;
-    ProposeSources *m_propose;
+    ApproximateSources *m_approximate;
     std::vector<PlaceRange> m_tiles;
 };

@@ -16,10 +16,10 @@ struct RotatedRow {
     float z;
 };
 
-/// What turns angles into columns and rows, and how near to a whole number a proposal may come.
-/// The bounds and their proof: docs/projection.md, "Proposals and their error".
-struct ProposalScale {
-    ProposalScale(int width, int height);
+/// What turns angles into columns and rows, and how near to a whole number an approximation may come.
+/// The bounds and their proof: docs/projection.md, "The approximation and its error".
+struct ApproxScale {
+    ApproxScale(int width, int height);
 
     int32_t width;
     int32_t height;
@@ -27,12 +27,12 @@ struct ProposalScale {
     float rowsPerHalfAngle;        ///< rows per radian of half the colatitude
     float columnGuard;             ///< of half columns, times the distance from the axis
     float rowGuard;                ///< of rows
-    float relativeGuard;           ///< of both, as a part of the proposal
-    float firstRow = 0;            ///< rows above it are always doubtful, whole
+    float relativeGuard;           ///< of both, as a part of the value
+    float firstRow = 0;            ///< rows above it are always uncertain, whole
 };
 
-/// Proposed positions for neighbouring columns, and for the columns that mirror them at longitude 90.
-struct Proposals {
+/// Approximate positions for neighbouring columns, and for the columns that mirror them at longitude 90.
+struct ApproxSources {
     static constexpr int capacity = 512;
     /// Of the inputs and of every list: a vector may reach this far beyond the last place.
     static constexpr int padding = 64;
@@ -40,24 +40,24 @@ struct Proposals {
     alignas(64) int32_t columns[capacity + padding];
     alignas(64) int32_t mirroredColumns[capacity + padding];
     alignas(64) int32_t rows[capacity + padding]; ///< of both
-    int32_t doubtful[capacity]; ///< places where exact arithmetic must decide, for both columns
-    int doubtfulCount = 0;
+    int32_t uncertain[capacity]; ///< places where exact arithmetic must decide, for both columns
+    int uncertainCount = 0;
 };
 
-/// Fills in proposals. Everything not listed as doubtful equals SphereRotation::source(); doubtful places
+/// Approximates positions. Everything not listed as uncertain equals SphereRotation::source(); uncertain places
 /// hold a position inside the map.
 /// @param cosines  of the longitudes -90 .. 90, not negative, readable for `padding` more
 /// @param sines    likewise
-/// @param count    1 .. Proposals::capacity
-using ProposeSources = void(const ProposalScale &scale, const RotatedRow &row, const float *cosines,
-                            const float *sines, int count, Proposals &out);
+/// @param count    1 .. ApproxSources::capacity
+using ApproximateSources = void(const ApproxScale &scale, const RotatedRow &row, const float *cosines,
+                                const float *sines, int count, ApproxSources &out);
 /// With the best vector instructions of this machine, if the build has them.
-ProposeSources proposeSources;
+ApproximateSources approximateSources;
 /// One column after the other, in plain C++.
-ProposeSources proposeSourcesPlainly;
+ApproximateSources approximateSourcesPlainly;
 
 /// The columns of a rotated map in the order of the kernels: x and its mirror W/2 - x share Y and Z, only X
-/// changes its sign, so that one proposal serves both.
+/// changes its sign, so that one approximation serves both.
 class MirroredColumns
 {
 public:

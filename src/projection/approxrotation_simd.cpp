@@ -1,14 +1,14 @@
-// Vector code for rotationproposals.h: this file is compiled once for each instruction set, and the best one
-// that the machine has is chosen when it runs. One vector is one step of proposeSourcesPlainly(), in the same
-// letters. Without the library behind it the file is empty, and rotationproposals.cpp does the work.
+// Vector code for approxrotation.h: this file is compiled once for each instruction set, and the best one
+// that the machine has is chosen when it runs. One vector is one step of approximateSourcesPlainly(), in the same
+// letters. Without the library behind it the file is empty, and approxrotation.cpp does the work.
 #ifdef OVMIC_HIGHWAY
 
-#include "rotationproposals.h"
+#include "approxrotation.h"
 
 #include "arctangent.h"
 
 #undef HWY_TARGET_INCLUDE
-#define HWY_TARGET_INCLUDE "rotationproposals_simd.cpp"
+#define HWY_TARGET_INCLUDE "approxrotation_simd.cpp"
 #include <hwy/foreach_target.h> // IWYU pragma: keep
 
 #include <hwy/highway.h>
@@ -19,7 +19,7 @@ namespace HWY_NAMESPACE
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-using Floats = hn::CappedTag<float, Proposals::padding>;
+using Floats = hn::CappedTag<float, ApproxSources::padding>;
 using Ints = hn::RebindToSigned<Floats>;
 using Vector = hn::Vec<Floats>;
 
@@ -38,8 +38,8 @@ HWY_INLINE Vector fromWhole(Vector v)
     return hn::Abs(hn::Sub(v, hn::Round(v)));
 }
 
-void propose(const ProposalScale &scale, const RotatedRow &row, const float *HWY_RESTRICT cosines,
-             const float *HWY_RESTRICT sines, int count, Proposals &out)
+void approximate(const ApproxScale &scale, const RotatedRow &row, const float *HWY_RESTRICT cosines,
+                 const float *HWY_RESTRICT sines, int count, ApproxSources &out)
 {
     const Floats d;
     const Ints di;
@@ -48,7 +48,7 @@ void propose(const ProposalScale &scale, const RotatedRow &row, const float *HWY
     const auto lastColumn = hn::Set(di, scale.width - 2);
     const auto width1 = hn::Set(di, scale.width - 1);
     const auto lastRow = hn::Set(di, scale.height - 2);
-    int doubtfulCount = 0;
+    int uncertainCount = 0;
     for (int i = 0; i < count; i += lanes) {
         const auto sine = hn::LoadU(d, sines + i);
         const auto x = hn::Mul(hn::Set(d, row.x), hn::LoadU(d, cosines + i));
@@ -63,18 +63,18 @@ void propose(const ProposalScale &scale, const RotatedRow &row, const float *HWY
         const auto columnMargin =
             hn::Mul(hn::NegMulAdd(relativeGuard, halfColumns, fromWhole(halfColumns)), r);
         const auto rowMargin = hn::NegMulAdd(relativeGuard, rows, fromWhole(rows));
-        const auto sure = hn::And(hn::And(hn::Gt(columnMargin, hn::Set(d, scale.columnGuard)),
-                                          hn::Gt(rowMargin, hn::Set(d, scale.rowGuard))),
-                                  hn::Ge(rows, hn::Set(d, scale.firstRow)));
-        if (HWY_UNLIKELY(!hn::AllTrue(d, sure))) {
-            uint8_t bits[8 + Proposals::padding / 8]; // at least 8 are written
-            hn::StoreMaskBits(d, sure, bits);
+        const auto certain = hn::And(hn::And(hn::Gt(columnMargin, hn::Set(d, scale.columnGuard)),
+                                             hn::Gt(rowMargin, hn::Set(d, scale.rowGuard))),
+                                     hn::Ge(rows, hn::Set(d, scale.firstRow)));
+        if (HWY_UNLIKELY(!hn::AllTrue(d, certain))) {
+            uint8_t bits[8 + ApproxSources::padding / 8]; // at least 8 are written
+            hn::StoreMaskBits(d, certain, bits);
             for (int lane = 0; lane < lanes && i + lane < count; ++lane)
                 if ((bits[lane / 8] >> (lane % 8) & 1) == 0)
-                    out.doubtful[doubtfulCount++] = i + lane;
+                    out.uncertain[uncertainCount++] = i + lane;
         }
-        const auto wholeHalves = hn::ConvertTo(di, hn::IfThenElseZero(sure, halfColumns));
-        const auto wholeRows = hn::ConvertTo(di, hn::IfThenElseZero(sure, rows));
+        const auto wholeHalves = hn::ConvertTo(di, hn::IfThenElseZero(certain, halfColumns));
+        const auto wholeRows = hn::ConvertTo(di, hn::IfThenElseZero(certain, rows));
         const auto column = hn::ShiftRight<1>(wholeHalves);
         const auto yNegative = hn::RebindMask(di, hn::Lt(y, hn::Zero(d)));
         const auto zNegative = hn::RebindMask(di, hn::Lt(z, hn::Zero(d)));
@@ -84,19 +84,19 @@ void propose(const ProposalScale &scale, const RotatedRow &row, const float *HWY
                    di, out.mirroredColumns + i);
         hn::StoreU(hn::IfThenElse(zNegative, wholeRows, hn::Sub(lastRow, wholeRows)), di, out.rows + i);
     }
-    out.doubtfulCount = doubtfulCount;
+    out.uncertainCount = uncertainCount;
 }
 
 } // namespace HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
-HWY_EXPORT(propose);
+HWY_EXPORT(approximate);
 
-void proposeSources(const ProposalScale &scale, const RotatedRow &row, const float *cosines,
-                    const float *sines, int count, Proposals &out)
+void approximateSources(const ApproxScale &scale, const RotatedRow &row, const float *cosines,
+                        const float *sines, int count, ApproxSources &out)
 {
-    HWY_DYNAMIC_DISPATCH(propose)(scale, row, cosines, sines, count, out);
+    HWY_DYNAMIC_DISPATCH(approximate)(scale, row, cosines, sines, count, out);
 }
 #endif
 

@@ -1,4 +1,4 @@
-#include "rotationproposals.h"
+#include "approxrotation.h"
 
 #include "arctangent.h"
 #include "globekernel.h"
@@ -11,7 +11,7 @@ namespace
 
 constexpr double roundoff = 1.0 / (1 << 24); // of a float, relative
 
-/// Small maps are guarded like larger ones: they have few doubtful pixels anyhow, and the bounds then leave
+/// Small maps are guarded like larger ones: they have few uncertain pixels anyhow, and the bounds then leave
 /// room for what the test itself rounds.
 int guardedSide(int pixels)
 {
@@ -25,7 +25,7 @@ float fromWhole(float v)
 
 } // namespace
 
-ProposalScale::ProposalScale(int mapWidth, int mapHeight)
+ApproxScale::ApproxScale(int mapWidth, int mapHeight)
     : width(mapWidth)
     , height(mapHeight)
     , halfColumnsPerHalfAngle(static_cast<float>(2 * (mapWidth - 1) / pi))
@@ -36,10 +36,10 @@ ProposalScale::ProposalScale(int mapWidth, int mapHeight)
 {
 }
 
-void proposeSourcesPlainly(const ProposalScale &scale, const RotatedRow &row, const float *cosines,
-                           const float *sines, int count, Proposals &out)
+void approximateSourcesPlainly(const ApproxScale &scale, const RotatedRow &row, const float *cosines,
+                               const float *sines, int count, ApproxSources &out)
 {
-    out.doubtfulCount = 0;
+    out.uncertainCount = 0;
     for (int i = 0; i < count; ++i) {
         const float x = row.x * cosines[i];
         const float y = row.yBySine * sines[i] + row.y;
@@ -48,13 +48,13 @@ void proposeSourcesPlainly(const ProposalScale &scale, const RotatedRow &row, co
         const float halfColumns =
             arcTangent(std::min(std::abs(y) / (r + x), 1.0F)) * scale.halfColumnsPerHalfAngle;
         const float rows = arcTangent(std::min(r / (1 + std::abs(z)), 1.0F)) * scale.rowsPerHalfAngle;
-        const bool sure =
+        const bool certain =
             (fromWhole(halfColumns) - scale.relativeGuard * halfColumns) * r > scale.columnGuard &&
             fromWhole(rows) - scale.relativeGuard * rows > scale.rowGuard && rows >= scale.firstRow;
-        if (!sure)
-            out.doubtful[out.doubtfulCount++] = i;
-        const int wholeHalves = sure ? static_cast<int>(halfColumns) : 0;
-        const int wholeRows = sure ? static_cast<int>(rows) : 0;
+        if (!certain)
+            out.uncertain[out.uncertainCount++] = i;
+        const int wholeHalves = certain ? static_cast<int>(halfColumns) : 0;
+        const int wholeRows = certain ? static_cast<int>(rows) : 0;
         const int column = wholeHalves >> 1;
         out.columns[i] = y < 0 ? scale.width - 2 - column : column;
         out.mirroredColumns[i] = (y < 0 ? scale.width - 1 + wholeHalves : scale.width - 2 - wholeHalves) >> 1;
@@ -63,10 +63,10 @@ void proposeSourcesPlainly(const ProposalScale &scale, const RotatedRow &row, co
 }
 
 #ifndef OVMIC_HIGHWAY
-void proposeSources(const ProposalScale &scale, const RotatedRow &row, const float *cosines,
-                    const float *sines, int count, Proposals &out)
+void approximateSources(const ApproxScale &scale, const RotatedRow &row, const float *cosines,
+                        const float *sines, int count, ApproxSources &out)
 {
-    proposeSourcesPlainly(scale, row, cosines, sines, count, out);
+    approximateSourcesPlainly(scale, row, cosines, sines, count, out);
 }
 #endif
 
@@ -79,7 +79,7 @@ bool MirroredColumns::cover(int axis, int width, int height)
 MirroredColumns::MirroredColumns(const SphereRotation &rotation)
     : m_width(rotation.width()), m_first(-(rotation.width() / 4)), m_count(2 * (rotation.width() / 4) + 1)
 {
-    const size_t size = size_t(m_count) + Proposals::padding;
+    const size_t size = size_t(m_count) + ApproxSources::padding;
     m_cosines.resize(size);
     m_sines.resize(size);
     for (int place = 0; place < m_count; ++place) {
