@@ -228,13 +228,13 @@ public:
     }
 
     /// Approximates the row in pieces.
-    /// @param guard  factor on all guards
-    Tally tally(ApproximateSources *approximate, double guard = 1) const
+    /// @param boundFactor  on all error bounds
+    Tally tally(ApproximateSources *approximate, double boundFactor = 1) const
     {
         ApproxScale scale(m_rotation.width(), m_rotation.height());
-        scale.columnGuard *= float(guard);
-        scale.rowGuard *= float(guard);
-        scale.relativeGuard *= float(guard);
+        scale.columnErrorBound *= float(boundFactor);
+        scale.rowErrorBound *= float(boundFactor);
+        scale.relativeErrorBound *= float(boundFactor);
         const auto out = std::make_unique<ApproxSources>();
         Tally tally;
         for (int begin = 0; begin < m_mirror.count(); begin += ApproxSources::capacity) {
@@ -305,7 +305,7 @@ private slots:
     void approximationsAreExactOrUncertain();
     void approximationsAreExactAtEveryWholeDegree();
     void fewApproximationsAreUncertain();
-    void guardsHaveAMargin();
+    void errorBoundsHaveAMargin();
     void agreesForRandomSets();
     void agreesForEverySmallSize();
     void agreesForLargeAndOddSizes_data();
@@ -437,12 +437,12 @@ void tst_FastEngine::fewApproximationsAreUncertain()
     }
 }
 
-/// Searches for the worst error: without a guard some approximations go wrong, with half of it none must. The
-/// largest map has the most whole numbers to come near to; errors and guards grow with the map alike.
-void tst_FastEngine::guardsHaveAMargin()
+/// Searches for the worst error: without an error bound some approximations go wrong, with half of it none must. The
+/// largest map has the most whole numbers to come near to; errors and their bounds grow with the map alike.
+void tst_FastEngine::errorBoundsHaveAMargin()
 {
     const bool thoroughly = qEnvironmentVariableIsSet("OVMIC_SETS");
-    const QVector<double> guards =
+    const QVector<double> factors =
         thoroughly ? QVector<double>{0.0, 0.1, 0.2, 0.3, 0.5} : QVector<double>{0.0, 0.5};
     QMap<QString, QVector<qint64>> wrong;
     for (const int angle : {1, 35, 55, 90, 125}) {
@@ -451,17 +451,18 @@ void tst_FastEngine::guardsHaveAMargin()
             rows.moveTo(y);
             for (const Way &way : ways()) {
                 const ForcedWay forced(way);
-                wrong[way.name].resize(guards.size());
-                for (int i = 0; i < guards.size(); ++i)
-                    wrong[way.name][i] += rows.tally(forced.approximate(), guards[i]).wrong;
+                wrong[way.name].resize(factors.size());
+                for (int i = 0; i < factors.size(); ++i)
+                    wrong[way.name][i] += rows.tally(forced.approximate(), factors[i]).wrong;
             }
         }
     }
     for (const QString &way : wrong.keys()) {
         QStringList counts;
-        for (int i = 0; i < guards.size(); ++i)
-            counts += QStringLiteral("%1: %2").arg(guards[i]).arg(wrong[way][i]);
-        qInfo().noquote() << way << "- wrong approximations by part of the guard -" << counts.join(", ");
+        for (int i = 0; i < factors.size(); ++i)
+            counts += QStringLiteral("%1: %2").arg(factors[i]).arg(wrong[way][i]);
+        qInfo().noquote() << way << "- wrong approximations by factor on the error bounds -"
+                          << counts.join(", ");
         QVERIFY(wrong[way].first() > 0);
         QVERIFY(wrong[way].last() == 0);
     }

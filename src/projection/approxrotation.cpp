@@ -11,9 +11,9 @@ namespace
 
 constexpr double roundoff = 1.0 / (1 << 24); // of a float, relative
 
-/// Small maps are guarded like larger ones: they have few uncertain pixels anyhow, and the bounds then leave
+/// Small maps have the bounds of larger ones: they have few uncertain pixels anyhow, and the bounds then leave
 /// room for what the test itself rounds.
-int guardedSide(int pixels)
+int boundedSide(int pixels)
 {
     return std::max(pixels - 1, 50);
 }
@@ -30,9 +30,9 @@ ApproxScale::ApproxScale(int mapWidth, int mapHeight)
     , height(mapHeight)
     , halfColumnsPerHalfAngle(static_cast<float>(2 * (mapWidth - 1) / pi))
     , rowsPerHalfAngle(static_cast<float>(2 * (mapHeight - 1) / pi))
-    , columnGuard(static_cast<float>(1.7 * roundoff * guardedSide(mapWidth)))
-    , rowGuard(static_cast<float>(3 * roundoff * guardedSide(mapHeight)))
-    , relativeGuard(static_cast<float>(11 * roundoff))
+    , columnErrorBound(static_cast<float>(1.7 * roundoff * boundedSide(mapWidth)))
+    , rowErrorBound(static_cast<float>(3 * roundoff * boundedSide(mapHeight)))
+    , relativeErrorBound(static_cast<float>(11 * roundoff))
 {
 }
 
@@ -49,8 +49,8 @@ void approximateSourcesPlainly(const ApproxScale &scale, const RotatedRow &row, 
             arcTangent(std::min(std::abs(y) / (r + x), 1.0F)) * scale.halfColumnsPerHalfAngle;
         const float rows = arcTangent(std::min(r / (1 + std::abs(z)), 1.0F)) * scale.rowsPerHalfAngle;
         const bool certain =
-            (fromWhole(halfColumns) - scale.relativeGuard * halfColumns) * r > scale.columnGuard &&
-            fromWhole(rows) - scale.relativeGuard * rows > scale.rowGuard && rows >= scale.firstRow;
+            (fromWhole(halfColumns) - scale.relativeErrorBound * halfColumns) * r > scale.columnErrorBound &&
+            fromWhole(rows) - scale.relativeErrorBound * rows > scale.rowErrorBound && rows >= scale.firstRow;
         if (!certain)
             out.uncertain[out.uncertainCount++] = i;
         const int wholeHalves = certain ? static_cast<int>(halfColumns) : 0;

@@ -25,9 +25,9 @@ struct ApproxScale {
     int32_t height;
     float halfColumnsPerHalfAngle; ///< half columns per radian of half the longitude
     float rowsPerHalfAngle;        ///< rows per radian of half the colatitude
-    float columnGuard;             ///< of half columns, times the distance from the axis
-    float rowGuard;                ///< of rows
-    float relativeGuard;           ///< of both, as a part of the value
+    float columnErrorBound;        ///< of half columns, times the distance from the axis
+    float rowErrorBound;           ///< of rows
+    float relativeErrorBound;      ///< of both, as a part of the value
     float firstRow = 0;            ///< rows above it are always uncertain, whole
 };
 

@@ -59,12 +59,12 @@ void approximate(const ApproxScale &scale, const RotatedRow &row, const float *H
                                          hn::Set(d, scale.halfColumnsPerHalfAngle));
         const auto rows = hn::Mul(arcTangents(hn::Min(hn::Div(r, hn::Add(one, hn::Abs(z))), one)),
                                   hn::Set(d, scale.rowsPerHalfAngle));
-        const auto relativeGuard = hn::Set(d, scale.relativeGuard);
+        const auto relativeErrorBound = hn::Set(d, scale.relativeErrorBound);
         const auto columnMargin =
-            hn::Mul(hn::NegMulAdd(relativeGuard, halfColumns, fromWhole(halfColumns)), r);
-        const auto rowMargin = hn::NegMulAdd(relativeGuard, rows, fromWhole(rows));
-        const auto certain = hn::And(hn::And(hn::Gt(columnMargin, hn::Set(d, scale.columnGuard)),
-                                             hn::Gt(rowMargin, hn::Set(d, scale.rowGuard))),
+            hn::Mul(hn::NegMulAdd(relativeErrorBound, halfColumns, fromWhole(halfColumns)), r);
+        const auto rowMargin = hn::NegMulAdd(relativeErrorBound, rows, fromWhole(rows));
+        const auto certain = hn::And(hn::And(hn::Gt(columnMargin, hn::Set(d, scale.columnErrorBound)),
+                                             hn::Gt(rowMargin, hn::Set(d, scale.rowErrorBound))),
                                      hn::Ge(rows, hn::Set(d, scale.firstRow)));
         if (HWY_UNLIKELY(!hn::AllTrue(d, certain))) {
             uint8_t bits[8 + ApproxSources::padding / 8]; // at least 8 are written

@@ -20,7 +20,7 @@ struct CosineSine {
 /// @return toward zero; -2147483648 where that is no int
 int columnShift(double angleDeg, int width);
 
-/// Which pixel of a map the rotated map reads, in the doubles of the formulas: the judge of everything faster.
+/// Which pixel of a map the rotated map reads, in the doubles of the formulas: what everything faster is compared with.
 class SphereRotation
 {
 public:

@@ -3,7 +3,7 @@
 #include <QImage>
 
 /// The slow engine: the formulas of docs/projection.md one after the other, one pixel at a time, shared with
-/// nothing that it judges. Never make it faster. It handles no events and prints nothing.
+/// nothing that it is compared with. Never make it faster. It handles no events and prints nothing.
 namespace reference
 {
 
