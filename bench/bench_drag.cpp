@@ -1,5 +1,5 @@
 // Times what a hand feels: one step of a drag that moves the circle, from the mouse event to the painted
-// widget. The plain way (convert the whole photograph, draw, make a pixmap) and the canvas take turns in
+// widget. The uncached way (convert the whole photograph, draw, make a pixmap) and the canvas take turns in
 // every round, so that a busy machine slows both alike; medians are printed. Before anything is timed, the
 // picture and the widget of both ways are compared pixel by pixel. Run it with QT_QPA_PLATFORM=offscreen.
 #include "circlecanvas.h"
@@ -93,7 +93,7 @@ bool measure(const QString &name, const QImage &image)
 {
     const CirclePen pen{Qt::red, 3, Qt::DotLine};
     CircleCanvas canvas;
-    Drag plain(image.size(), [&](const SelectionCircle &circle) {
+    Drag uncached(image.size(), [&](const SelectionCircle &circle) {
         QImage copy = image.convertToFormat(QImage::Format_ARGB32);
         drawCircle(copy, circle, pen.color, pen.size, pen.square);
         return QPixmap::fromImage(copy);
@@ -103,24 +103,24 @@ bool measure(const QString &name, const QImage &image)
 
     constexpr int comparedSteps = 5;
     for (int i = 0; i < comparedSteps; ++i) {
-        plain.step(i);
+        uncached.step(i);
         fast.step(i);
-        if (plain.picture() != fast.picture() || plain.picture().format() != fast.picture().format() ||
-            plain.widget() != fast.widget()) {
+        if (uncached.picture() != fast.picture() || uncached.picture().format() != fast.picture().format() ||
+            uncached.widget() != fast.widget()) {
             out() << name << ": FAILED, step " << i << " differs\n";
             return false;
         }
     }
-    std::vector<double> plainTimes;
+    std::vector<double> uncachedTimes;
     std::vector<double> fastTimes;
     constexpr int rounds = 25;
     for (int i = 0; i < rounds; ++i) {
-        plainTimes.push_back(plain.step(i));
+        uncachedTimes.push_back(uncached.step(i));
         fastTimes.push_back(fast.step(i));
     }
-    const double before = median(plainTimes);
+    const double before = median(uncachedTimes);
     const double after = median(fastTimes);
-    out() << QString("%1  plain %2 ms  canvas %3 ms  factor %4\n")
+    out() << QString("%1  uncached %2 ms  canvas %3 ms  factor %4\n")
                  .arg(name, -34)
                  .arg(before, 6, 'f', 1)
                  .arg(after, 5, 'f', 1)

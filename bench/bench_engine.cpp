@@ -1,6 +1,6 @@
-// Times the engine against its slow twin, in one thread and in one run: every contestant takes its turn in
+// Times the engine against the reference, in one thread and in one run: every contestant takes its turn in
 // every round, so that a busy machine slows all of them alike, and medians count. Before anything is timed,
-// its result is compared with the slow twin's, pixel for pixel. docs/performance.md explains the columns.
+// its result is compared with the reference's, pixel for pixel. docs/performance.md explains the columns.
 #include "benchcase.h"
 #include "contest.h"
 #include "floor.h"
@@ -53,7 +53,7 @@ QString vectorTarget()
 #ifdef OVMIC_HIGHWAY
     return QString::fromLatin1(hwy::TargetName(hwy::SupportedAndGeneratedTargets().front()));
 #else
-    return QStringLiteral("none, plain C++");
+    return QStringLiteral("none, scalar C++");
 #endif
 }
 
@@ -105,10 +105,10 @@ struct Pictures {
 /// One measured case; what the closing table shows of it.
 struct Row {
     QString name;
-    double chainOverPlain = 0;
+    double chainOverReference = 0;
     double floorOverChain = 0;
-    double rotateOverPlain = 0;
-    double convertOverPlain = 0;
+    double rotateOverReference = 0;
+    double convertOverReference = 0;
     double callOverKernel = 0;
     double remapOverChain = 0;
 };
@@ -126,10 +126,10 @@ Row measure(const BenchCase &c, int rounds)
 
     constexpr int often = 5; // what is fast runs more often than what is slow
     Contest contest;
-    contest.add("chain, plain", 1, [&] { c.referenceMap(); });
-    contest.add("rotateImage, plain", 1,
+    contest.add("chain, reference", 1, [&] { c.referenceMap(); });
+    contest.add("rotateImage, reference", 1,
                 [&] { reference::rotate(3, 55, pictures.expectedWorkMap, pictures.expectedRotated); });
-    contest.add("convertImage, plain", 1,
+    contest.add("convertImage, reference", 1,
                 [&] { reference::paintGlobe(pictures.photograph, pictures.workMap, c.globe()); });
     contest.add("chain", often, [&] { convertToMap(c.photograph, c.parameters); });
     contest.add("kernels alone", often, [&] { kernelMap(c); });
@@ -156,10 +156,10 @@ Row measure(const BenchCase &c, int rounds)
               << " ms\n";
     out() << Qt::flush;
     return {c.name,
-            contest.ratio("chain, plain", "chain"),
+            contest.ratio("chain, reference", "chain"),
             contest.ratio("floor", "chain"),
-            contest.ratio("rotateImage, plain", "rotateImage"),
-            contest.ratio("convertImage, plain", "convertImage"),
+            contest.ratio("rotateImage, reference", "rotateImage"),
+            contest.ratio("convertImage, reference", "convertImage"),
             contest.ratio("chain", "kernels alone"),
             contest.ratio("cv::remap", "chain")};
 }
@@ -171,11 +171,11 @@ void printTable(const std::vector<Row> &rows)
     };
     out() << "\n"
           << QString("factors").leftJustified(58) << "   chain   floor  rotate convert    call   remap\n"
-          << QString().leftJustified(58) << "  /plain  /chain  /plain  /plain /kernel  /chain\n";
+          << QString().leftJustified(58) << "    /ref  /chain    /ref    /ref /kernel  /chain\n";
     for (const Row &row : rows)
-        out() << row.name.leftJustified(58) << cell(row.chainOverPlain, 1) << cell(row.floorOverChain, 2)
-              << cell(row.rotateOverPlain, 1) << cell(row.convertOverPlain, 1) << cell(row.callOverKernel, 2)
-              << cell(row.remapOverChain, 2) << "\n";
+        out() << row.name.leftJustified(58) << cell(row.chainOverReference, 1) << cell(row.floorOverChain, 2)
+              << cell(row.rotateOverReference, 1) << cell(row.convertOverReference, 1)
+              << cell(row.callOverKernel, 2) << cell(row.remapOverChain, 2) << "\n";
     out() << Qt::flush;
 }
 

@@ -9,9 +9,9 @@
 namespace
 {
 
-/// The picture in the plain way, for circles whose sums are ints.
-QPixmap plainPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
-                     const CirclePen &pen)
+/// The picture as it is drawn anew each time, for circles whose sums are ints.
+QPixmap uncachedPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
+                        const CirclePen &pen)
 {
     QImage copy = photograph.convertToFormat(QImage::Format_ARGB32);
     if (circle)
@@ -51,14 +51,14 @@ class tst_CircleCanvas : public QObject
 
 private slots:
     void givesNothingForNoPhotograph();
-    void equalsThePlainWay_data();
-    void equalsThePlainWay();
+    void equalsTheUncachedPicture_data();
+    void equalsTheUncachedPicture();
     void takesTheOldCircleAwayCompletely();
     void noticesANewPhotograph();
     void noticesAnEditedPhotograph();
     void leavesEarlierPixmapsAlone();
     void leavesThePhotographAlone();
-    void keepsOrDropsTheAlphaChannelAsThePlainWay();
+    void keepsOrDropsTheAlphaChannelAsTheUncachedPicture();
     void looksAtPixelsOnly();
     void drawsHostileCirclesToo();
     void startsAfreshWhenCleared();
@@ -74,7 +74,7 @@ void tst_CircleCanvas::givesNothingForNoPhotograph()
     QVERIFY(canvas.picture(QImage(), std::nullopt, redPen).isNull());
 }
 
-void tst_CircleCanvas::equalsThePlainWay_data()
+void tst_CircleCanvas::equalsTheUncachedPicture_data()
 {
     QTest::addColumn<QImage::Format>("format");
     QTest::addColumn<int>("opaqueShare"); // one pixel in so many is opaque for certain
@@ -94,7 +94,7 @@ void tst_CircleCanvas::equalsThePlainWay_data()
     QTest::newRow("16 bits altogether") << QImage::Format_RGB16 << 1;
 }
 
-void tst_CircleCanvas::equalsThePlainWay()
+void tst_CircleCanvas::equalsTheUncachedPicture()
 {
     QFETCH(QImage::Format, format);
     QFETCH(int, opaqueShare);
@@ -113,7 +113,7 @@ void tst_CircleCanvas::equalsThePlainWay()
             pen.size = random.bounded(8) == 0 ? random.bounded(0, 65) : random.bounded(0, 10);
             pen.square = random.bounded(3) == 0 ? Qt::SolidLine : Qt::DotLine;
             QCOMPARE(
-                difference(canvas.picture(photograph, circle, pen), plainPicture(photograph, circle, pen)),
+                difference(canvas.picture(photograph, circle, pen), uncachedPicture(photograph, circle, pen)),
                 QString());
         }
     }
@@ -142,7 +142,7 @@ void tst_CircleCanvas::noticesANewPhotograph()
         const QImage photograph = noise(size.width(), size.height(), QImage::Format_RGB32);
         for (int i = 0; i < 3; ++i)
             QCOMPARE(difference(canvas.picture(photograph, circle, redPen),
-                                plainPicture(photograph, circle, redPen)),
+                                uncachedPicture(photograph, circle, redPen)),
                      QString());
     }
 }
@@ -167,7 +167,7 @@ void tst_CircleCanvas::leavesEarlierPixmapsAlone()
         pixmaps.append(canvas.picture(photograph, SelectionCircle{50, 50, radius}, redPen));
     for (int radius = 10; radius < 20; ++radius)
         QCOMPARE(difference(pixmaps[radius - 10],
-                            plainPicture(photograph, SelectionCircle{50, 50, radius}, redPen)),
+                            uncachedPicture(photograph, SelectionCircle{50, 50, radius}, redPen)),
                  QString());
 }
 
@@ -183,7 +183,7 @@ void tst_CircleCanvas::leavesThePhotographAlone()
     }
 }
 
-void tst_CircleCanvas::keepsOrDropsTheAlphaChannelAsThePlainWay()
+void tst_CircleCanvas::keepsOrDropsTheAlphaChannelAsTheUncachedPicture()
 {
     // One pixel that is not opaque, off the circle at first, then painted over, then free again.
     QImage photograph(100, 100, QImage::Format_ARGB32);
@@ -194,7 +194,7 @@ void tst_CircleCanvas::keepsOrDropsTheAlphaChannelAsThePlainWay()
         const SelectionCircle circle{x, 40, 20};
         const QPixmap picture = canvas.picture(photograph, circle, redPen);
         QCOMPARE(picture.hasAlphaChannel(), x != 50);
-        QCOMPARE(difference(picture, plainPicture(photograph, circle, redPen)), QString());
+        QCOMPARE(difference(picture, uncachedPicture(photograph, circle, redPen)), QString());
     }
 }
 
@@ -203,7 +203,7 @@ void tst_CircleCanvas::looksAtPixelsOnly()
     // A file called photo@2x.jpg loads with a device pixel ratio of 2; the circle counts in its pixels all
     // the same.
     QImage photograph = noise(100, 100, QImage::Format_RGB32);
-    const QPixmap expected = plainPicture(photograph, SelectionCircle{50, 50, 30}, redPen);
+    const QPixmap expected = uncachedPicture(photograph, SelectionCircle{50, 50, 30}, redPen);
     photograph.setDevicePixelRatio(2.0);
     CircleCanvas canvas;
     for (int i = 0; i < 3; ++i) {
@@ -222,8 +222,9 @@ void tst_CircleCanvas::drawsHostileCirclesToo()
     for (int i = 0; i < 500; ++i) {
         const SelectionCircle circle{anyInt(), anyInt(), anyInt()};
         const CirclePen pen{Qt::red, anyInt(), Qt::DotLine};
-        QCOMPARE(difference(canvas.picture(photograph, circle, pen), plainPicture(photograph, circle, pen)),
-                 QString());
+        QCOMPARE(
+            difference(canvas.picture(photograph, circle, pen), uncachedPicture(photograph, circle, pen)),
+            QString());
     }
     for (const int value : {INT_MIN, INT_MAX})
         QCOMPARE(canvas.picture(photograph, SelectionCircle{value, value, value}, {Qt::red, value}).size(),

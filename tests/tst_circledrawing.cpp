@@ -16,9 +16,9 @@ Q_DECLARE_METATYPE(SelectionCircle)
 namespace
 {
 
-/// The drawing in its plainest form, in ints; for values whose sums are ints.
-void drawPlainly(QImage &picture, const SelectionCircle &circle, const QColor &penColor, int penSize,
-                 Qt::PenStyle square)
+/// The painter's own calls, in ints; for values whose sums are ints.
+void drawWithThePainterAlone(QImage &picture, const SelectionCircle &circle, const QColor &penColor,
+                             int penSize, Qt::PenStyle square)
 {
     const auto [cx, cy, r] = circle;
     QPen pen(QBrush(penColor), penSize, Qt::SolidLine, Qt::SquareCap, Qt::BevelJoin);
@@ -77,7 +77,7 @@ private slots:
     void drawsTheExactPixels();
     void drawsTheSquareOnePixelWider();
     void drawsTheCrossTwiceAsLongAsThePen();
-    void drawsTheSameAsThePlainWay();
+    void drawsTheSameAsThePainterAlone();
     void neverHangsOnHostileValues_data();
     void neverHangsOnHostileValues();
     void drawsAnythingAnywhere();
@@ -177,7 +177,7 @@ void tst_CircleDrawing::drawsTheCrossTwiceAsLongAsThePen()
     }
 }
 
-void tst_CircleDrawing::drawsTheSameAsThePlainWay()
+void tst_CircleDrawing::drawsTheSameAsThePainterAlone()
 {
     Chance chance;
     for (int i = 0; i < 1500; ++i) {
@@ -187,7 +187,7 @@ void tst_CircleDrawing::drawsTheSameAsThePlainWay()
         const QColor color = chance.color();
         const int penSize = chance.oneIn(3) ? chance.between(0, 64) : chance.between(0, 9);
         const Qt::PenStyle square = chance.oneIn(3) ? Qt::SolidLine : Qt::DotLine;
-        drawPlainly(expected, circle, color, penSize, square);
+        drawWithThePainterAlone(expected, circle, color, penSize, square);
         drawCircle(actual, circle, color, penSize, square);
         QVERIFY2(actual == expected, qPrintable(QString("(%1, %2) radius %3 pen %4")
                                                     .arg(circle.centerX)

@@ -28,16 +28,16 @@
 namespace
 {
 
-/// One way in which the engine can run on this machine: plain C++, or one of the vector instruction sets.
+/// One way in which the engine can run on this machine: scalar C++, or one of the vector instruction sets.
 struct Way {
     QString name;
-    qint64 target; ///< 0: plain C++
+    qint64 target; ///< 0: scalar C++
 };
 
-/// The first one is plain C++; convertToMap() then takes the best that the build has.
+/// The first one is scalar C++; convertToMap() then takes the best that the build has.
 QVector<Way> ways()
 {
-    QVector<Way> result = {{QStringLiteral("plain C++"), 0}};
+    QVector<Way> result = {{QStringLiteral("scalar C++"), 0}};
 #ifdef OVMIC_HIGHWAY
     for (const int64_t target : hwy::SupportedAndGeneratedTargets())
         result.append({QString::fromLatin1(hwy::TargetName(target)), target});
@@ -49,7 +49,7 @@ QVector<Way> ways()
 class ForcedWay
 {
 public:
-    explicit ForcedWay(const Way &way) : m_plain(way.target == 0)
+    explicit ForcedWay(const Way &way) : m_scalar(way.target == 0)
     {
 #ifdef OVMIC_HIGHWAY
         hwy::SetSupportedTargetsForTest(way.target);
@@ -65,11 +65,11 @@ public:
 
     ApproximateSources *approximate() const
     {
-        return m_plain ? approximateSourcesPlainly : approximateSources;
+        return m_scalar ? approximateSourcesScalar : approximateSources;
     }
 
 private:
-    bool m_plain;
+    bool m_scalar;
 };
 
 /// Seeded chance: the same sets on every machine.
@@ -115,8 +115,8 @@ QImage expectedMap(const Case &c)
                                              p.outputSizeY, p.latitude, p.longitude, p.azimuth, true});
 }
 
-/// The chain in one pass with plain approximations, where the kernels cover it; null elsewhere.
-QImage plainlyComposed(const Case &c)
+/// The chain in one pass with scalar approximations, where the kernels cover it; null elsewhere.
+QImage composedWithScalars(const Case &c)
 {
     const MapParameters &p = c.parameters;
     const int width = p.outputSizeX;
@@ -142,21 +142,21 @@ QImage plainlyComposed(const Case &c)
                                      (longitudeShift + width) % width};
     const bool covered = paintComposedMap(
         GlobeKernel(view), photographView(photograph), mapRotation, width, p.outputSizeY, canvasView(map),
-        [](int) {}, approximateSourcesPlainly);
+        [](int) {}, approximateSourcesScalar);
     return covered ? map : QImage();
 }
 
 /// Tries the whole chain on every way in turn.
-/// @return what differs from the slow engine, empty if nothing does
+/// @return what differs from the reference engine, empty if nothing does
 QString difference(const Case &c)
 {
     const MessageCollector silent;
     const QImage expected = expectedMap(c);
-    const QImage plain = plainlyComposed(c);
-    if (!plain.isNull()) {
-        const QString found = imageDifference(plain, expected);
+    const QImage scalar = composedWithScalars(c);
+    if (!scalar.isNull()) {
+        const QString found = imageDifference(scalar, expected);
         if (!found.isEmpty())
-            return "plain C++: " + found;
+            return "scalar C++: " + found;
     }
     for (const Way &way : ways()) {
         const ForcedWay forced(way);
@@ -317,8 +317,8 @@ private slots:
     void agreesForCirclesThatLeaveThePhotograph();
     void agreesWhereTheTopRowIsLost();
     void ignoresTheUnusedBitsOfOpaquePhotographs();
-    void rotatesAsTheSlowEngine_data();
-    void rotatesAsTheSlowEngine();
+    void rotatesAsTheReference_data();
+    void rotatesAsTheReference();
     void leavesWhatItDoesNotCover();
     void tellsEveryRowOnceAndInOrder();
 };
@@ -482,7 +482,7 @@ void tst_FastEngine::agreesForRandomSets()
             QFAIL(qPrintable(QStringLiteral("Set %1: %2").arg(set).arg(found)));
         if (set < 2000)
             painted += isBlank(expectedMap(c)) ? 0 : 1;
-        composed += plainlyComposed(c).isNull() ? 0 : 1;
+        composed += composedWithScalars(c).isNull() ? 0 : 1;
     }
     // Most sets must be such that the fast way is taken and something is to be seen.
     QVERIFY2(painted > 1000 || sets < 2000, qPrintable(QString::number(painted)));
@@ -520,7 +520,7 @@ void tst_FastEngine::agreesForLargeAndOddSizes()
         Case c;
         c.photograph = noise(chance, {200, 200}, alpha);
         c.parameters = {100, 100, 98, 6.6, size.width(), size.height(), 35, 45, 30};
-        // The shift of the plain operations ends at 32767 columns.
+        // The shift of the operations ends at 32767 columns.
         if (size.width() > 32767 || size.height() > 32767) {
             c.parameters.longitude = -90;
             c.parameters.azimuth = 0;
@@ -626,7 +626,7 @@ void tst_FastEngine::ignoresTheUnusedBitsOfOpaquePhotographs()
         }
 }
 
-void tst_FastEngine::rotatesAsTheSlowEngine_data()
+void tst_FastEngine::rotatesAsTheReference_data()
 {
     QTest::addColumn<int>("axis");
     QTest::addColumn<QSize>("size");
@@ -636,7 +636,7 @@ void tst_FastEngine::rotatesAsTheSlowEngine_data()
             QTest::addRow("axis %d, %d x %d", axis, size.width(), size.height()) << axis << size;
 }
 
-void tst_FastEngine::rotatesAsTheSlowEngine()
+void tst_FastEngine::rotatesAsTheReference()
 {
     QFETCH(int, axis);
     QFETCH(QSize, size);
@@ -653,11 +653,11 @@ void tst_FastEngine::rotatesAsTheSlowEngine()
             ConvertImage().rotateImage(axis, angle, map, actual);
             COMPARE_IMAGES(actual, expected);
 
-            QImage plainly = expected;
-            plainly.fill(0xff123456);
+            QImage direct = expected;
+            direct.fill(0xff123456);
             paintRotatedMap(SphereRotation(axis, angle, size.width(), size.height()), mapView(map),
-                            canvasView(plainly), forced.approximate());
-            COMPARE_IMAGES(plainly, expected);
+                            canvasView(direct), forced.approximate());
+            COMPARE_IMAGES(direct, expected);
         }
     }
 }

@@ -7,8 +7,8 @@
 namespace
 {
 
-QPixmap plainPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
-                     const CirclePen &pen)
+QPixmap uncachedPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
+                        const CirclePen &pen)
 {
     QImage copy = photograph.convertToFormat(QImage::Format_ARGB32);
     if (circle)
@@ -71,7 +71,7 @@ QPixmap CircleCanvas::picture(const QImage &photograph, const std::optional<Sele
         std::any_of(rectangles->begin(), rectangles->end(),
                     [this](const QRect &rectangle) { return rectangle.contains(*m_seeThroughPixel); });
     if (!rectangles || coversPixel)
-        return plainPicture(m_photograph, circle, pen);
+        return uncachedPicture(m_photograph, circle, pen);
 
     Buffer &buffer = m_buffers[m_next];
     m_next = 1 - m_next;
@@ -79,7 +79,7 @@ QPixmap CircleCanvas::picture(const QImage &photograph, const std::optional<Sele
         buffer.image = converted(m_photograph, m_seeThroughPixel ? QImage::Format_ARGB32_Premultiplied
                                                                  : QImage::Format_RGB32);
     if (buffer.image.isNull() || m_drawing.isNull()) // no memory for it
-        return plainPicture(m_photograph, circle, pen);
+        return uncachedPicture(m_photograph, circle, pen);
     for (const QRect &rectangle : std::as_const(buffer.rectangles))
         copyRectangle(m_photograph, buffer.image, rectangle);
     if (circle)

@@ -36,8 +36,8 @@ ApproxScale::ApproxScale(int mapWidth, int mapHeight)
 {
 }
 
-void approximateSourcesPlainly(const ApproxScale &scale, const RotatedRow &row, const float *cosines,
-                               const float *sines, int count, ApproxSources &out)
+void approximateSourcesScalar(const ApproxScale &scale, const RotatedRow &row, const float *cosines,
+                              const float *sines, int count, ApproxSources &out)
 {
     out.uncertainCount = 0;
     for (int i = 0; i < count; ++i) {
@@ -66,7 +66,7 @@ void approximateSourcesPlainly(const ApproxScale &scale, const RotatedRow &row, 
 void approximateSources(const ApproxScale &scale, const RotatedRow &row, const float *cosines,
                         const float *sines, int count, ApproxSources &out)
 {
-    approximateSourcesPlainly(scale, row, cosines, sines, count, out);
+    approximateSourcesScalar(scale, row, cosines, sines, count, out);
 }
 #endif
 

@@ -53,8 +53,8 @@ using ApproximateSources = void(const ApproxScale &scale, const RotatedRow &row,
                                 const float *sines, int count, ApproxSources &out);
 /// With the best vector instructions of this machine, if the build has them.
 ApproximateSources approximateSources;
-/// One column after the other, in plain C++.
-ApproximateSources approximateSourcesPlainly;
+/// One column after the other, in scalar C++.
+ApproximateSources approximateSourcesScalar;
 
 /// The columns of a rotated map in the order of the kernels: x and its mirror W/2 - x share Y and Z, only X
 /// changes its sign, so that one approximation serves both.

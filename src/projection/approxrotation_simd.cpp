@@ -1,5 +1,5 @@
 // Vector code for approxrotation.h: this file is compiled once for each instruction set, and the best one
-// that the machine has is chosen when it runs. One vector is one step of approximateSourcesPlainly(), in the same
+// that the machine has is chosen when it runs. One vector is one step of approximateSourcesScalar(), in the same
 // letters. Without the library behind it the file is empty, and approxrotation.cpp does the work.
 #ifdef OVMIC_HIGHWAY
 

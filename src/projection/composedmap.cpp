@@ -94,7 +94,7 @@ public:
     }
 
 private:
-    PlainSampler<Clipped> m_sample;
+    BoundedSampler<Clipped> m_sample;
     const PaintedRows &m_rows;
     const std::vector<Direction> &m_directions;
     const SphereRotation &m_rotation;

@@ -18,7 +18,7 @@ struct MapRotation {
 /// @param canvas    W x H pixels, transparent black
 /// @param progress  told between rows how many rows of the globe stage, of those that it paints, are worked off
 ///                  by now; ends with all of them
-/// @return false, and nothing is painted, for what the kernels do not cover; the plain operations do it then
+/// @return false, and nothing is painted, for what the kernels do not cover; the operations one after the other do it then
 bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph,
                       const MapRotation &mapRotation, int width, int height, const ImageView &canvas,
                       const std::function<void(int)> &progress,

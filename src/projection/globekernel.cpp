@@ -106,8 +106,8 @@ namespace
 {
 
 template <typename Sampler, typename Finish>
-void paintPlainRow(const Sampler &sample, const ConstImageView &photograph, Finish finish,
-                   const std::vector<Direction> &directions, double radius, uint32_t *line)
+void paintBoundedRow(const Sampler &sample, const ConstImageView &photograph, Finish finish,
+                     const std::vector<Direction> &directions, double radius, uint32_t *line)
 {
     GatherQueue<Finish> queue(photograph.pixels, finish);
     for (size_t begin = 0; begin < directions.size(); begin += GatherBatch::capacity) {
@@ -129,11 +129,11 @@ void paintGlobeRow(const GlobeView &view, const ConstImageView &photograph,
     const Samples samples = samplesWithin(view, photograph, directions, std::abs(radius));
     withPixelFinish(photograph, [&](auto finish) {
         if (samples == Samples::Inside)
-            return paintPlainRow(PlainSampler<false>(view, photograph), photograph, finish, directions,
-                                 radius, line);
+            return paintBoundedRow(BoundedSampler<false>(view, photograph), photograph, finish, directions,
+                                   radius, line);
         if (samples == Samples::Clipped)
-            return paintPlainRow(PlainSampler<true>(view, photograph), photograph, finish, directions, radius,
-                                 line);
+            return paintBoundedRow(BoundedSampler<true>(view, photograph), photograph, finish, directions,
+                                   radius, line);
         for (const Direction &direction : directions) {
             const Sample sample = sampleAnywhere(view, direction, radius);
             if (sample.x >= 0 && sample.x < photograph.width && sample.y >= 0 && sample.y < photograph.height)

@@ -63,13 +63,13 @@ private:
 };
 
 /// Turns direction and radius into the number of the photograph pixel shown, for views whose samples are
-/// plain: the low 16 bits are the whole number, and no sum overflows an int.
+/// bounded: the low 16 bits are the whole number, and no sum overflows an int.
 /// @tparam Clipped  samples may lie outside the photograph; they give GatherBatch::none
 template <bool Clipped>
-class PlainSampler
+class BoundedSampler
 {
 public:
-    PlainSampler(const GlobeView &view, const ConstImageView &photograph)
+    BoundedSampler(const GlobeView &view, const ConstImageView &photograph)
         : m_stride(static_cast<int32_t>(photograph.stride))
         , m_width(photograph.width)
         , m_height(photograph.height)
@@ -106,8 +106,8 @@ private:
 
 /// What may be asked of a row's samples before they are taken.
 enum class Samples {
-    Inside,  ///< plain, and all of them lie in the photograph
-    Clipped, ///< plain, some may lie outside
+    Inside,  ///< bounded, and all of them lie in the photograph
+    Clipped, ///< bounded, some may lie outside
     Wrapping ///< anything may happen: sampleAnywhere() alone is right
 };
 /// @param largestRadius  upper bound of |radius|, pixels

@@ -135,8 +135,8 @@ QString tst_Gestures::brokenAtTheEnd(FreshWindow &w, bool knowsItsFile) const
     const std::optional<SelectionCircle> circle =
         w.selectShow ? std::make_optional(circleOf(w)) : std::nullopt;
     if ((!circle || drawsInInts(w)) &&
-        w.shownPicture() != plainPicture(w.image, circle, w.penColor, w.penSize))
-        return "the picture is not the plain one";
+        w.shownPicture() != uncachedPicture(w.image, circle, w.penColor, w.penSize))
+        return "the picture is not the uncached one";
     const MapParameters parameters{w.centerX,     w.centerY,  w.radius,    w.distance, w.outputSizeX,
                                    w.outputSizeY, w.latitude, w.longitude, w.azimuth};
     const QImage expected = convertToMap(w.image, parameters);

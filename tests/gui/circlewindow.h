@@ -67,10 +67,10 @@ public:
                 ui->lineRadius->text().toInt()};
     }
 
-    /// The photograph with a circle in the window's pen, painted in the plainest way.
-    QImage plain(const std::optional<SelectionCircle> &shown, Qt::PenStyle square = Qt::DotLine) const
+    /// The photograph with a circle in the window's pen, painted anew on a copy.
+    QImage uncached(const std::optional<SelectionCircle> &shown, Qt::PenStyle square = Qt::DotLine) const
     {
-        return plainPicture(image, shown, penColor, penSize, square);
+        return uncachedPicture(image, shown, penColor, penSize, square);
     }
 };
 

@@ -125,8 +125,9 @@ inline QImage colourfulPhotograph(QSize size = {96, 72}, QImage::Format format =
 }
 
 /// The photograph with a circle in the plainest way: a fresh ARGB32 copy, painted on, made a pixmap.
-inline QImage plainPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
-                           const QColor &color = Qt::red, int penSize = 3, Qt::PenStyle square = Qt::DotLine)
+inline QImage uncachedPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
+                              const QColor &color = Qt::red, int penSize = 3,
+                              Qt::PenStyle square = Qt::DotLine)
 {
     QImage copy = photograph.convertToFormat(QImage::Format_ARGB32);
     if (circle) {

@@ -5,7 +5,7 @@
 
 #include <QImage>
 
-/// The map that the slow engine makes of a photograph with a window's values.
+/// The map that the reference engine makes of a photograph with a window's values.
 inline QImage referenceMap(const TestWindow &window, const QImage &photograph)
 {
     reference::Conversion conversion;

@@ -88,7 +88,7 @@ void tst_Circle::typedCircleIsDrawn()
     QTest::keyClick(m_window->ui->lineRadius, Qt::Key_Return);
     const SelectionCircle typed{centerX, centerY, radius};
     QCOMPARE(circleOf(*m_window), typed);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(typed));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(typed));
 }
 
 void tst_Circle::everyPhotographIsShownAsArgb32_data()
@@ -106,7 +106,7 @@ void tst_Circle::everyPhotographIsShownAsArgb32()
     const QImage photograph = colourfulPhotograph({300, 280}, format);
     m_window->open(photograph);
     QCOMPARE(m_window->image.format(), format);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(CircleWindow::firstCircle));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
     COMPARE_IMAGES(m_window->image, photograph);
 }
 
@@ -114,7 +114,7 @@ void tst_Circle::hiddenCircleLeavesThePhotograph()
 {
     m_window->selectShow = false;
     m_window->updateSelect();
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(std::nullopt));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
 }
 
 void tst_Circle::penIsTheWindowsPen()
@@ -123,7 +123,7 @@ void tst_Circle::penIsTheWindowsPen()
     m_window->penSize = 9;
     m_window->updateSelect();
     COMPARE_IMAGES(m_window->shownPicture(),
-                   plainPicture(m_window->image, CircleWindow::firstCircle, QColor(0, 40, 200, 120), 9));
+                   uncachedPicture(m_window->image, CircleWindow::firstCircle, QColor(0, 40, 200, 120), 9));
 }
 
 void tst_Circle::drawANewCircle_data()
@@ -142,13 +142,16 @@ void tst_Circle::drawANewCircle()
     QVERIFY(!m_window->selectShow);
 
     m_window->press({100, 120});
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(std::nullopt));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
     QCOMPARE(conversionsDuring([&] { m_window->moveTo({160, 140}); }), 0);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{100, 120, 60}, Qt::SolidLine));
+    COMPARE_IMAGES(m_window->shownPicture(),
+                   m_window->uncached(SelectionCircle{100, 120, 60}, Qt::SolidLine));
     m_window->moveTo({90, 60}); // back over the press point, further up than left
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{100, 120, 60}, Qt::SolidLine));
+    COMPARE_IMAGES(m_window->shownPicture(),
+                   m_window->uncached(SelectionCircle{100, 120, 60}, Qt::SolidLine));
     m_window->moveTo({140, 200});
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{100, 120, 80}, Qt::SolidLine));
+    COMPARE_IMAGES(m_window->shownPicture(),
+                   m_window->uncached(SelectionCircle{100, 120, 80}, Qt::SolidLine));
     QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle); // feedback only
     QCOMPARE(m_window->typedCircle(), CircleWindow::firstCircle);
     QVERIFY(!m_window->selectShow);
@@ -159,14 +162,14 @@ void tst_Circle::drawANewCircle()
     QCOMPARE(m_window->typedCircle(), SelectionCircle({100, 120, drawn.radius}));
     QVERIFY(m_window->selectShow);
     QVERIFY(m_window->ui->label->selectMode);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(drawn));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(drawn));
 }
 
 void tst_Circle::drawingShowsASolidSquare()
 {
     const SelectionCircle circle{100, 100, 40};
-    const QImage dotted = m_window->plain(circle, Qt::DotLine);
-    const QImage solid = m_window->plain(circle, Qt::SolidLine);
+    const QImage dotted = m_window->uncached(circle, Qt::DotLine);
+    const QImage solid = m_window->uncached(circle, Qt::SolidLine);
     QVERIFY(dotted != solid);
     m_window->click({40, 40}, Qt::RightButton);
     m_window->press({100, 100});
@@ -192,10 +195,11 @@ void tst_Circle::dragAlongOneAxisDrawsNoFeedback()
     m_window->click({40, 40}, Qt::RightButton);
     m_window->press({100, 120});
     m_window->moveTo(position);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(std::nullopt));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
     m_window->moveTo({130, 160});
     m_window->moveTo(position); // the last feedback stays
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{100, 120, 40}, Qt::SolidLine));
+    COMPARE_IMAGES(m_window->shownPicture(),
+                   m_window->uncached(SelectionCircle{100, 120, 40}, Qt::SolidLine));
 }
 
 void tst_Circle::circlesBelowFivePixelsAreDropped_data()
@@ -225,16 +229,16 @@ void tst_Circle::circlesBelowFivePixelsAreDropped()
     m_window->press({100, 120});
     m_window->moveTo({150, 160});
     m_window->moveTo(release);
-    QVERIFY(m_window->shownPicture() != m_window->plain(std::nullopt)); // some feedback to erase
+    QVERIFY(m_window->shownPicture() != m_window->uncached(std::nullopt)); // some feedback to erase
     m_window->release(release);
     const bool dropped = radius == 0;
     QCOMPARE(m_window->selectShow, !dropped);
     QCOMPARE(m_window->ui->label->selectMode, !dropped);
     QCOMPARE(circleOf(*m_window), dropped ? CircleWindow::firstCircle : SelectionCircle({100, 120, radius}));
     if (dropped)
-        COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(std::nullopt));
+        COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
     else
-        COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{100, 120, radius}));
+        COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{100, 120, radius}));
 }
 
 void tst_Circle::dragAtAHandleMoves_data()
@@ -263,21 +267,21 @@ void tst_Circle::dragAtAHandleMoves()
     m_window->press(handle);
     QVERIFY(m_window->moving);
     QVERIFY(!m_window->resizing);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(CircleWindow::firstCircle));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
 
     QCOMPARE(conversionsDuring([&] { m_window->moveTo(handle + QPoint(30, -20)); }), 0);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{230, 180, 100}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{230, 180, 100}));
     QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle); // feedback only
     QCOMPARE(m_window->typedCircle(), CircleWindow::firstCircle);
 
     m_window->moveTo(handle + QPoint(-40, 10));
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{160, 210, 100}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{160, 210, 100}));
     m_window->release(handle + QPoint(-60, 20));
     const SelectionCircle moved{140, 220, 100};
     QCOMPARE(circleOf(*m_window), moved);
     QCOMPARE(m_window->typedCircle(), SelectionCircle({140, 220, 100}));
     QVERIFY(!m_window->moving);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(moved));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(moved));
 }
 
 void tst_Circle::centreHandleComesFirst()
@@ -314,21 +318,21 @@ void tst_Circle::dragAtACornerResizes()
     QVERIFY(m_window->resizing);
     QVERIFY(!m_window->moving);
     const int pressed = std::max(qAbs(corner.x() - 200), qAbs(corner.y() - 200));
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{200, 200, pressed}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{200, 200, pressed}));
 
     QCOMPARE(conversionsDuring([&] { m_window->moveTo({240, 130}); }), 0);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{200, 200, 70}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{200, 200, 70}));
     QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle); // feedback only
     QCOMPARE(m_window->typedCircle(), CircleWindow::firstCircle);
 
     m_window->moveTo({200, 200});
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{200, 200, 0}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{200, 200, 0}));
     m_window->release({80, 210});
     const SelectionCircle resized{200, 200, 120};
     QCOMPARE(circleOf(*m_window), resized);
     QCOMPARE(m_window->typedCircle(), SelectionCircle({200, 200, 120}));
     QVERIFY(!m_window->resizing);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(resized));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(resized));
 }
 
 void tst_Circle::pressInsideDoesNothing()
@@ -345,7 +349,7 @@ void tst_Circle::pressInsideDoesNothing()
     m_window->release(inside + QPoint(20, 30));
     QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle);
     QVERIFY(m_window->selectShow);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(CircleWindow::firstCircle));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
 }
 
 void tst_Circle::pressOutsideRemovesTheCircle()
@@ -355,13 +359,13 @@ void tst_Circle::pressOutsideRemovesTheCircle()
     QVERIFY(m_window->clearPending);
     QVERIFY(m_window->selectShow);
     m_window->moveTo(outside + QPoint(10, 20));
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(CircleWindow::firstCircle));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
     m_window->release(outside + QPoint(10, 20));
     QVERIFY(!m_window->selectShow);
     QVERIFY(!m_window->ui->label->selectMode);
     QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle); // the values stay
     QCOMPARE(m_window->typedCircle(), CircleWindow::firstCircle);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(std::nullopt));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
 }
 
 void tst_Circle::removalStaysArmed()
@@ -436,7 +440,7 @@ void tst_Circle::resizingGoesBeforeMoving()
     m_window->press({200, 200});
     QVERIFY(m_window->moving);
     m_window->moveTo({230, 200});
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{200, 200, 30}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{200, 200, 30}));
     m_window->release({250, 200});
     QCOMPARE(circleOf(*m_window), SelectionCircle({200, 200, 50}));
     QVERIFY(!m_window->resizing);
@@ -450,12 +454,12 @@ void tst_Circle::rightClickToggles()
     m_window->release({400, 30}, Qt::RightButton);
     QVERIFY(!m_window->selectShow);
     QVERIFY(!m_window->ui->label->selectMode);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(std::nullopt));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
     QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle);
     m_window->click({200, 200}, Qt::RightButton);
     QVERIFY(m_window->selectShow);
     QVERIFY(m_window->ui->label->selectMode);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(CircleWindow::firstCircle));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
 }
 
 void tst_Circle::rightClickWithoutARadiusShowsNothing_data()
@@ -474,7 +478,7 @@ void tst_Circle::rightClickWithoutARadiusShowsNothing()
     m_window->click({10, 10}, Qt::RightButton);
     QVERIFY(!m_window->selectShow);
     QVERIFY(!m_window->ui->label->selectMode);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(std::nullopt));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
 }
 
 void tst_Circle::rightClickWithoutAPhotographToggles()
@@ -498,10 +502,11 @@ void tst_Circle::rightClickDuringADragEndsIt()
     m_window->release({220, 220}, Qt::RightButton);
     QVERIFY(!m_window->moving);
     QVERIFY(!m_window->selectShow);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(std::nullopt));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
     // The left button goes on drawing a new circle, from where the right one was pressed.
     m_window->moveTo({240, 230});
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{220, 220, 20}, Qt::SolidLine));
+    COMPARE_IMAGES(m_window->shownPicture(),
+                   m_window->uncached(SelectionCircle{220, 220, 20}, Qt::SolidLine));
     m_window->release({240, 230});
     QCOMPARE(circleOf(*m_window), SelectionCircle({220, 220, 21}));
     QVERIFY(m_window->selectShow);
@@ -542,7 +547,7 @@ void tst_Circle::everySignalOfThePictureReachesItsSlot()
     emit label->mouseleftdown(200, 200);
     QVERIFY(m_window->moving);
     emit label->size_changing(0, 0, 0, 0, 0, 0, 210, 205);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{210, 205, 100}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{210, 205, 100}));
     emit label->mouseleftup(220, 210);
     QCOMPARE(circleOf(*m_window), SelectionCircle({220, 210, 100}));
     emit label->mouse_move(220, 210);

@@ -92,7 +92,7 @@ void tst_CircleButtons::returnTakesAllThreeEdits()
     SelectionCircle typed{150, 160, 70};
     (edit == "lineCenterX" ? typed.centerX : edit == "lineCenterY" ? typed.centerY : typed.radius) = 90;
     QCOMPARE(circleOf(*m_window), typed);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(typed));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(typed));
 }
 
 void tst_CircleButtons::textsBecomeNumbers_data()
@@ -137,7 +137,7 @@ void tst_CircleButtons::typingAloneChangesNothing()
     QTest::keyClicks(line, "33");
     m_window->ui->lineCenterX->setFocus();
     QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(CircleWindow::firstCircle));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
     m_window->slot("click_timer"); // a tick overwrites what was typed
     QCOMPARE(line->text(), QString::number(100 + m_window->stepR));
 }
@@ -208,18 +208,18 @@ void tst_CircleButtons::buttonStepsTickByTick()
         QCOMPARE(tick(), 1);
         QCOMPARE(circleOf(*m_window), after(steps));
         QCOMPARE(m_window->typedCircle(), after(steps));
-        COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(after(steps)));
+        COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(after(steps)));
     }
 
     QCOMPARE(conversionsDuring([&] { m_window->mouse(QTest::MouseRelease, button(name), {10, 10}); }), 0);
     QCOMPARE(circleOf(*m_window), after(4));
     QCOMPARE(m_window->stepDelay, 1);
     QVERIFY(m_window->clickTimer->isSingleShot());
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(after(3))); // shown with the tick
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(after(3))); // shown with the tick
     QCOMPARE(tick(), 1);
     QCOMPARE(m_window->stepDelay, 0);
     QCOMPARE(circleOf(*m_window), after(4));
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(after(4)));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(after(4)));
 }
 
 void tst_CircleButtons::clickMovesByOnePixel_data()
@@ -241,7 +241,7 @@ void tst_CircleButtons::clickMovesByOnePixel()
     QCOMPARE(countOf(collector.messages(), "click_timer()"), 1);
     QCOMPARE(circleOf(*m_window), next);
     QCOMPARE(m_window->typedCircle(), next);
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(next));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(next));
 }
 
 void tst_CircleButtons::heldButtonRepeatsByItself()
@@ -335,7 +335,7 @@ void tst_CircleButtons::radiusFallsBelowZero()
     for (int radius = 1; radius >= -20; --radius) {
         m_window->slot("click_timer");
         QCOMPARE(m_window->radius, radius);
-        COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{200, 200, radius}));
+        COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{200, 200, radius}));
     }
 }
 

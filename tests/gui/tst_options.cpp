@@ -303,13 +303,13 @@ void tst_Options::hostileValuesAreShown()
 void tst_Options::circleIsDrawnWithTheNewPen()
 {
     COMPARE_IMAGES(m_window->shownPicture(),
-                   plainPicture(m_window->image, aCircle, Values().penColor, Values().penSize));
+                   uncachedPicture(m_window->image, aCircle, Values().penColor, Values().penSize));
     withDialog([](Option *option) {
         type(option, "lineColor", "#ff0000ff");
         type(option, "lineSize", "9");
         press(option, "btnOk");
     });
-    COMPARE_IMAGES(m_window->shownPicture(), plainPicture(m_window->image, aCircle, Qt::blue, 9));
+    COMPARE_IMAGES(m_window->shownPicture(), uncachedPicture(m_window->image, aCircle, Qt::blue, 9));
 }
 
 void tst_Options::hiddenCircleStaysHidden()
@@ -317,7 +317,7 @@ void tst_Options::hiddenCircleStaysHidden()
     m_window->selectShow = false;
     withDialog([](Option *option) { press(option, "btnOk"); });
     QVERIFY(!m_window->selectShow);
-    COMPARE_IMAGES(m_window->shownPicture(), plainPicture(m_window->image, std::nullopt));
+    COMPARE_IMAGES(m_window->shownPicture(), uncachedPicture(m_window->image, std::nullopt));
 }
 
 void tst_Options::unparsableColour_data()
@@ -337,7 +337,7 @@ void tst_Options::unparsableColour()
     });
     QVERIFY(!m_window->penColor.isValid());
     COMPARE_IMAGES(m_window->shownPicture(),
-                   plainPicture(m_window->image, aCircle, QColor(), Values().penSize));
+                   uncachedPicture(m_window->image, aCircle, QColor(), Values().penSize));
     m_window->saveSetting();
     QFile file(m_window->settingFile);
     QVERIFY(file.open(QIODevice::ReadOnly));

@@ -382,7 +382,7 @@ void tst_Parameters::loadShowsTheCircle()
 {
     writeFile(m_window->filePath("circle.ini"), "[General]\nCenterX=100\nCenterY=70\nRadius=30\n");
     load(m_window->filePath("circle.ini"));
-    COMPARE_IMAGES(m_window->shownPicture(), plainPicture(m_window->image, SelectionCircle{100, 70, 30}));
+    COMPARE_IMAGES(m_window->shownPicture(), uncachedPicture(m_window->image, SelectionCircle{100, 70, 30}));
 }
 
 void tst_Parameters::loadLeavesAHiddenCircleHidden()
@@ -391,7 +391,7 @@ void tst_Parameters::loadLeavesAHiddenCircleHidden()
     writeFile(m_window->filePath("circle.ini"), "[General]\nCenterX=100\nCenterY=70\nRadius=30\n");
     load(m_window->filePath("circle.ini"));
     QVERIFY(!m_window->selectShow);
-    COMPARE_IMAGES(m_window->shownPicture(), plainPicture(m_window->image, std::nullopt));
+    COMPARE_IMAGES(m_window->shownPicture(), uncachedPicture(m_window->image, std::nullopt));
 }
 
 void tst_Parameters::loadWithoutAPhotograph()
@@ -451,7 +451,7 @@ void tst_Parameters::resetFitsTheCircle()
     QCOMPARE(m_window->ui->lineCenterX->text(), QString::number(circle.centerX));
     QCOMPARE(m_window->ui->lineCenterY->text(), QString::number(circle.centerY));
     QCOMPARE(m_window->ui->lineRadius->text(), QString::number(circle.radius));
-    COMPARE_IMAGES(m_window->shownPicture(), plainPicture(m_window->image, circle));
+    COMPARE_IMAGES(m_window->shownPicture(), uncachedPicture(m_window->image, circle));
 }
 
 void tst_Parameters::resetWithoutAPhotograph()
@@ -489,7 +489,7 @@ void tst_Parameters::resetShowsAHiddenCircle()
     m_window->ui->actionParam_Reset->trigger();
     QVERIFY(m_window->selectShow);
     QVERIFY(m_window->ui->label->selectMode);
-    COMPARE_IMAGES(m_window->shownPicture(), plainPicture(m_window->image, SelectionCircle{120, 80, 78}));
+    COMPARE_IMAGES(m_window->shownPicture(), uncachedPicture(m_window->image, SelectionCircle{120, 80, 78}));
 }
 
 void tst_Parameters::noCommandRefreshesThePreview()

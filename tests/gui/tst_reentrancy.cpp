@@ -260,7 +260,7 @@ void tst_Reentrancy::quickPressesNest()
     QCOMPARE(presses, 5);
     QCOMPARE(deepestNesting(collector.messages()), 6);
     QCOMPARE(circleOf(*m_window), SelectionCircle({205, 200, 100}));
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{205, 200, 100}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{205, 200, 100}));
     COMPARE_IMAGES(map, first);
     COMPARE_IMAGES(shownMap(*m_window), first);
 }
@@ -349,9 +349,9 @@ void tst_Reentrancy::photographChangesDuringADrag()
     m_window->press({200, 200});
     m_window->moveTo({220, 220});
     m_window->open(colourfulPhotograph({150, 90}));
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(CircleWindow::firstCircle));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
     m_window->moveTo({230, 240});
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{230, 240, 100}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{230, 240, 100}));
     m_window->release({210, 205});
     QCOMPARE(circleOf(*m_window), SelectionCircle({210, 205, 100}));
 }
@@ -374,7 +374,7 @@ void tst_Reentrancy::photographVanishesDuringADrag()
 
     m_window->open(colourfulPhotograph({420, 410}));
     m_window->moveTo({210, 205}); // the drag goes on without a button
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->plain(SelectionCircle{210, 205, 100}));
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{210, 205, 100}));
     m_window->click({200, 200});
     QVERIFY(!m_window->ui->label->leftDown);
     QVERIFY(!m_window->moving);

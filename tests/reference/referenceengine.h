@@ -2,7 +2,7 @@
 
 #include <QImage>
 
-/// The slow engine: the formulas of docs/projection.md one after the other, one pixel at a time, shared with
+/// The reference engine: the formulas of docs/projection.md one after the other, one pixel at a time, shared with
 /// nothing that it is compared with. Never make it faster. It handles no events and prints nothing.
 namespace reference
 {
