@@ -62,7 +62,7 @@ QImage kernelMap(const BenchCase &c)
 {
     const MapParameters &p = c.parameters;
     const OutputRatio ratio = outputRatio(c.photograph.size(), c.mapSize());
-    GlobeView view;
+    PerspectiveParameters view;
     view.centerX = p.centerX;
     view.centerY = p.centerY;
     view.radius = p.radius;
@@ -75,8 +75,8 @@ QImage kernelMap(const BenchCase &c)
     const int width = p.outputSizeX;
     const MapRotation mapRotation = {(columnShift(-p.azimuth, width) + width) % width, int(90 - p.latitude),
                                      (columnShift(p.longitude + 90, width) + width) % width};
-    paintComposedMap(GlobeKernel(view), photographView(c.photograph), mapRotation, width, p.outputSizeY,
-                     canvasView(map), [](int) {});
+    paintComposedMap(NearSidedPerspective(view), photographView(c.photograph), mapRotation, width,
+                     p.outputSizeY, canvasView(map), [](int) {});
     return map;
 }
 

@@ -210,7 +210,7 @@ QString inSet(int set, const QString &difference)
     return difference.isEmpty() ? QString() : QStringLiteral("Set %1: %2").arg(set).arg(difference);
 }
 
-/// The globe stage alone: the painted map and the number of samples above its top.
+/// The projection step alone: the painted map and the number of samples above its top.
 QString compareGlobe(const Case &c, QImage &map)
 {
     const MapParameters &p = c.parameters;

@@ -127,7 +127,7 @@ QImage composedWithScalars(const Case &c)
     if (!azimuthDraws || !longitudeDraws || p.latitude == 90)
         return {};
     const QImage photograph = c.photograph;
-    GlobeView view;
+    PerspectiveParameters view;
     view.centerX = p.centerX;
     view.centerY = p.centerY;
     view.radius = p.radius;
@@ -141,8 +141,8 @@ QImage composedWithScalars(const Case &c)
     const MapRotation mapRotation = {(azimuthShift + width) % width, int(90 - p.latitude),
                                      (longitudeShift + width) % width};
     const bool covered = paintComposedMap(
-        GlobeKernel(view), photographView(photograph), mapRotation, width, p.outputSizeY, canvasView(map),
-        [](int) {}, approximateSourcesScalar);
+        NearSidedPerspective(view), photographView(photograph), mapRotation, width, p.outputSizeY,
+        canvasView(map), [](int) {}, approximateSourcesScalar);
     return covered ? map : QImage();
 }
 
@@ -664,7 +664,7 @@ void tst_FastEngine::rotatesAsTheReference()
 
 void tst_FastEngine::leavesWhatItDoesNotCover()
 {
-    GlobeView view;
+    PerspectiveParameters view;
     view.radius = 10;
     view.photographWidth = 20;
     view.photographHeight = 20;
@@ -677,7 +677,7 @@ void tst_FastEngine::leavesWhatItDoesNotCover()
         view.ratioX = size.width() / 20.0;
         view.ratioY = size.height() / 40.0;
         QVector<quint32> canvas(size.width() * size.height());
-        const bool covered = paintComposedMap(GlobeKernel(view), pixels, {0, 55, 0}, size.width(),
+        const bool covered = paintComposedMap(NearSidedPerspective(view), pixels, {0, 55, 0}, size.width(),
                                               size.height(), {canvas.data(), size.width()}, [](int) {});
         return covered || std::count(canvas.begin(), canvas.end(), 0U) != canvas.size();
     };
@@ -691,13 +691,13 @@ void tst_FastEngine::leavesWhatItDoesNotCover()
 
 void tst_FastEngine::tellsEveryRowOnceAndInOrder()
 {
-    GlobeView view;
+    PerspectiveParameters view;
     view.radius = 10;
     view.centerX = view.centerY = 10;
     view.photographWidth = view.photographHeight = 20;
     view.ratioX = 64 / 20.0;
     view.ratioY = 100 / 40.0;
-    const GlobeKernel globe(view);
+    const NearSidedPerspective perspective(view);
     QVector<quint32> photograph(400, 0xffffffffU);
     QVector<quint32> canvas(64 * 100);
     QVector<int> told;
@@ -705,11 +705,11 @@ void tst_FastEngine::tellsEveryRowOnceAndInOrder()
         told.append(rows);
         canvas.fill(0xff00ff00U); // what an event does to the canvas must not be read again
     };
-    QVERIFY(paintComposedMap(globe, {photograph.data(), 20, 20, 20, 0xff000000U}, {0, 55, 0}, 64, 100,
+    QVERIFY(paintComposedMap(perspective, {photograph.data(), 20, 20, 20, 0xff000000U}, {0, 55, 0}, 64, 100,
                              {canvas.data(), 64}, rowsOnceTold));
     QVERIFY(told.size() > 1);
     QVERIFY(std::is_sorted(told.begin(), told.end()));
-    QCOMPARE(told.last(), 50 - int(globe.firstRow()));
+    QCOMPARE(told.last(), 50 - int(perspective.firstRow()));
     QCOMPARE(canvas.count(0xff00ff00U), canvas.size());
 }
 

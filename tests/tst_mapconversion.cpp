@@ -33,7 +33,7 @@ const QImage &photograph()
 }
 
 /// A disc that fills the photograph, and a chain that skips every step after the first.
-MapParameters globeStageOnly()
+MapParameters projectionOnly()
 {
     MapParameters p;
     p.centerX = 50;
@@ -54,10 +54,10 @@ QImage convert(const MapParameters &p, AzimuthCanvas azimuthCanvas = AzimuthCanv
     return convertToMap(photograph(), p, azimuthCanvas);
 }
 
-/// The map of the globe stage alone, made by hand.
-QImage globeStage()
+/// The map of the projection step alone, made by hand.
+QImage projectionStep()
 {
-    const MapParameters p = globeStageOnly();
+    const MapParameters p = projectionOnly();
     QImage source = photograph();
     QImage map = canvas({p.outputSizeX, p.outputSizeY});
     ConvertImage engine;
@@ -137,21 +137,21 @@ void tst_MapConversion::computesTheRatios()
 void tst_MapConversion::skipsEveryStepAtThePole()
 {
     MessageCollector log;
-    const QImage map = convertToMap(photograph(), globeStageOnly());
+    const QImage map = convertToMap(photograph(), projectionOnly());
     QCOMPARE(log.messages(), QStringList("Convert error 0"));
     QCOMPARE(map.format(), QImage::Format_ARGB32_Premultiplied);
-    COMPARE_IMAGES(map, globeStage());
+    COMPARE_IMAGES(map, projectionStep());
     QVERIFY(map != canvas(map.size()));
 }
 
 void tst_MapConversion::appliesTheStepsInOrder()
 {
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.azimuth = 45.0;
     p.latitude = 20.0;
     p.longitude = 30.0;
     // 128 columns: 45 degrees are 16 of them, 120 degrees 42.67.
-    COMPARE_IMAGES(convert(p), shifted(rotated(shifted(globeStage(), -16), 70), 42));
+    COMPARE_IMAGES(convert(p), shifted(rotated(shifted(projectionStep(), -16), 70), 42));
 }
 
 void tst_MapConversion::azimuthTurnsToTheLeft_data()
@@ -168,9 +168,9 @@ void tst_MapConversion::azimuthTurnsToTheLeft()
 {
     QFETCH(double, azimuth);
     QFETCH(int, toTheRight);
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.azimuth = azimuth;
-    COMPARE_IMAGES(convert(p), shifted(globeStage(), toTheRight));
+    COMPARE_IMAGES(convert(p), shifted(projectionStep(), toTheRight));
 }
 
 void tst_MapConversion::smallAnglesBlankTheMap_data()
@@ -196,7 +196,7 @@ void tst_MapConversion::smallAnglesBlankTheMap()
     QFETCH(double, azimuth);
     QFETCH(double, longitude);
     QFETCH(bool, blank);
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.azimuth = azimuth;
     p.longitude = longitude;
     QCOMPARE(convert(p) == canvas(QSize(128, 64)), blank);
@@ -217,9 +217,9 @@ void tst_MapConversion::longitudeMovesToTheRight()
 {
     QFETCH(double, longitude);
     QFETCH(int, toTheRight);
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.longitude = longitude;
-    COMPARE_IMAGES(convert(p), shifted(globeStage(), toTheRight));
+    COMPARE_IMAGES(convert(p), shifted(projectionStep(), toTheRight));
 }
 
 void tst_MapConversion::latitudeIsTruncated_data()
@@ -243,18 +243,18 @@ void tst_MapConversion::latitudeIsTruncated()
 {
     QFETCH(double, latitude);
     QFETCH(int, angle);
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.latitude = latitude;
-    COMPARE_IMAGES(convert(p), rotated(globeStage(), angle));
+    COMPARE_IMAGES(convert(p), rotated(projectionStep(), angle));
 }
 
 void tst_MapConversion::resamplesForAnyLatitudeButThePole()
 {
     // Rotated by 0 degrees the map comes from up to one pixel to the left and above.
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.latitude = 89.5;
     const QImage map = convert(p);
-    const QImage unrotated = globeStage();
+    const QImage unrotated = projectionStep();
     QVERIFY(map != unrotated);
     for (int y = 0; y < 64; ++y) {
         for (int x = 0; x < 128; ++x) {
@@ -269,8 +269,8 @@ void tst_MapConversion::resamplesForAnyLatitudeButThePole()
 
 void tst_MapConversion::azimuthWithoutCanvasEmptiesTheMap()
 {
-    MapParameters p = globeStageOnly();
-    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), globeStage());
+    MapParameters p = projectionOnly();
+    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), projectionStep());
 
     p.azimuth = 30.0;
     QVERIFY(convert(p, AzimuthCanvas::Null).isNull());
@@ -281,7 +281,7 @@ void tst_MapConversion::azimuthWithoutCanvasEmptiesTheMap()
     p.latitude = 90.0;
     COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), canvas(QSize(128, 64)));
 
-    p = globeStageOnly();
+    p = projectionOnly();
     p.latitude = 35.0;
     p.longitude = 135.0;
     COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), convert(p));
@@ -305,8 +305,8 @@ void tst_MapConversion::convertsAnyFormat()
     QFETCH(QImage::Format, format);
     const QImage other = photograph().convertToFormat(format);
     const MessageCollector silent;
-    COMPARE_IMAGES(convertToMap(other, globeStageOnly()),
-                   convertToMap(other.convertToFormat(QImage::Format_ARGB32), globeStageOnly()));
+    COMPARE_IMAGES(convertToMap(other, projectionOnly()),
+                   convertToMap(other.convertToFormat(QImage::Format_ARGB32), projectionOnly()));
 }
 
 void tst_MapConversion::convertsSixteenBitChannels_data()
@@ -330,17 +330,17 @@ void tst_MapConversion::convertsSixteenBitChannels()
             deep.setPixelColor(x, y, QColor::fromRgba64(next(), next(), next(), next()));
     }
     const MessageCollector silent;
-    MapParameters rotated = globeStageOnly();
+    MapParameters rotated = projectionOnly();
     rotated.latitude = 35;
     rotated.longitude = 139;
-    for (const MapParameters &p : {globeStageOnly(), rotated})
+    for (const MapParameters &p : {projectionOnly(), rotated})
         COMPARE_IMAGES(convertToMap(deep, p), convertToMap(deep.convertToFormat(QImage::Format_ARGB32), p));
 }
 
 void tst_MapConversion::leavesThePhotographAlone()
 {
     const QImage before = located(101, 91);
-    convert(globeStageOnly());
+    convert(projectionOnly());
     COMPARE_IMAGES(photograph(), before);
 }
 
@@ -348,7 +348,7 @@ void tst_MapConversion::survivesChangesDuringEvents()
 {
     // The window loads another photograph and changes every value while a conversion handles events.
     QImage image = located(101, 91);
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.latitude = 35.0;
     p.longitude = 135.0;
     p.azimuth = 30.0;
@@ -370,7 +370,7 @@ void tst_MapConversion::survivesChangesDuringEvents()
 
 void tst_MapConversion::nullPhotographGivesNullMap()
 {
-    QVERIFY(convertToMap(QImage(), globeStageOnly()).isNull());
+    QVERIFY(convertToMap(QImage(), projectionOnly()).isNull());
     QVERIFY(convertToMap(QImage(), MapParameters(), AzimuthCanvas::Null).isNull());
 }
 
@@ -390,7 +390,7 @@ void tst_MapConversion::impossibleSizesGiveNullMaps_data()
 void tst_MapConversion::impossibleSizesGiveNullMaps()
 {
     QFETCH(QSize, size);
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.outputSizeX = size.width();
     p.outputSizeY = size.height();
     p.latitude = 35.0;
@@ -417,7 +417,7 @@ void tst_MapConversion::bearsAnyValue()
 {
     QFETCH(int, integer);
     QFETCH(double, real);
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.centerX = p.centerY = p.radius = integer;
     p.distance = p.latitude = p.longitude = p.azimuth = real;
     const QImage expected =
@@ -469,7 +469,7 @@ void tst_MapConversion::canvasesThatDoNotFitGiveNullMaps_data()
 void tst_MapConversion::canvasesThatDoNotFitGiveNullMaps()
 {
     QFETCH(QSize, size);
-    MapParameters p = globeStageOnly();
+    MapParameters p = projectionOnly();
     p.outputSizeX = size.width();
     p.outputSizeY = size.height();
     photograph();
@@ -496,8 +496,8 @@ void tst_MapConversion::laterCanvasesThatDoNotFitDoNoHarm()
     QFETCH(double, azimuth);
     QFETCH(double, latitude);
     QFETCH(double, longitude);
-    // Seen from the surface: the globe stage paints nothing, so that the maps take little time.
-    MapParameters p = globeStageOnly();
+    // Seen from the surface: the projection step paints nothing, so that the maps take little time.
+    MapParameters p = projectionOnly();
     p.distance = 1.0;
     p.outputSizeX = 1024;
     p.outputSizeY = 512;
@@ -524,7 +524,7 @@ void tst_MapConversion::photographThatCannotBeConvertedGivesNullMap()
     const QImage large(8192, 6144, QImage::Format_Grayscale8);
     const MemoryLimit limit(96 * mebibyte);
     const MessageCollector silent;
-    QVERIFY(convertToMap(large, globeStageOnly()).isNull());
+    QVERIFY(convertToMap(large, projectionOnly()).isNull());
 }
 
 #endif

@@ -1,6 +1,6 @@
 #include "convertimage.h"
 
-#include "globekernel.h"
+#include "nearsidedperspective.h"
 #include "qimageview.h"
 #include "rotatedmap.h"
 
@@ -20,20 +20,21 @@ void copyPixel(const QImage &src, qint64 sx, qint64 sy, QImage &dst, int x, int 
         dst.setPixelColor(x, y, src.pixelColor(int(sx), int(sy)));
 }
 
-/// Paints one row of the globe stage. The pixels are looked up anew for each row: an event in between may
+/// Paints one row of the projection step. The pixels are looked up anew for each row: an event in between may
 /// have made somebody share them.
 /// @param directions  of all columns, or none if there are too many
-void paintRow(const GlobeKernel &kernel, const QImage &src, const std::vector<Direction> &directions,
-              double rho, QImage &dst, int y)
+void paintRow(const NearSidedPerspective &perspective, const QImage &src,
+              const std::vector<Direction> &directions, double rho, QImage &dst, int y)
 {
     const bool straight = src.format() == QImage::Format_ARGB32 || src.format() == QImage::Format_RGB32;
     if (straight && dst.format() == QImage::Format_ARGB32_Premultiplied && !directions.empty()) {
         auto *line = reinterpret_cast<uint32_t *>(dst.scanLine(y));
-        paintGlobeRow(kernel.view(), photographView(src), directions, rho, line);
+        paintMapRow(perspective.parameters(), photographView(src), directions, rho, line);
         return;
     }
     for (int x = 0; x < dst.width(); ++x) {
-        const Sample sample = sampleAnywhere(kernel.view(), kernel.direction(x, dst.width()), rho);
+        const Sample sample =
+            sampleAnywhere(perspective.parameters(), perspective.direction(x, dst.width()), rho);
         copyPixel(src, sample.x, sample.y, dst, x, y);
     }
 }
@@ -64,27 +65,27 @@ void ConvertImage::setOutputRatio(double rx, double ry)
 
 void ConvertImage::convertImage(QImage &src, QImage &dst)
 {
-    GlobeView view;
-    view.centerX = centerX;
-    view.centerY = centerY;
-    view.radius = radius;
-    view.distance = distance;
-    view.ratioX = ratioX;
-    view.ratioY = ratioY;
-    view.margin = margin;
-    view.photographWidth = src.width();
-    view.photographHeight = src.height();
+    PerspectiveParameters parameters;
+    parameters.centerX = centerX;
+    parameters.centerY = centerY;
+    parameters.radius = radius;
+    parameters.distance = distance;
+    parameters.ratioX = ratioX;
+    parameters.ratioY = ratioY;
+    parameters.margin = margin;
+    parameters.photographWidth = src.width();
+    parameters.photographHeight = src.height();
 
-    const GlobeKernel kernel(view);
-    const std::vector<Direction> directions = kernel.directions(dst.width());
+    const NearSidedPerspective perspective(parameters);
+    const std::vector<Direction> directions = perspective.directions(dst.width());
     const int half = dst.height() / 2;
     qint64 errors = 0;
-    for (qint64 k = kernel.firstRow(); kernel.hasRow(k); ++k) {
-        const double rho = kernel.radius(k);
+    for (qint64 k = perspective.firstRow(); perspective.hasRow(k); ++k) {
+        const double rho = perspective.radius(k);
         if (half <= k)
-            errors += countGlobeRow(kernel, rho, dst.width());
+            errors += countRowSamples(perspective, rho, dst.width());
         else if (half - 1 - k < dst.height())
-            paintRow(kernel, src, directions, rho, dst, int(half - 1 - k));
+            paintRow(perspective, src, directions, rho, dst, int(half - 1 - k));
         QCoreApplication::processEvents();
     }
     qDebug() << "Convert error " << errors;
@@ -96,16 +97,16 @@ void ConvertImage::rotateImage(int axis, int angle, QImage &src, QImage &dst)
     const int height = src.height();
     if (height <= 0)
         return;
-    const SphereRotation kernel(axis, angle, width, height);
+    const SphereRotation rotation(axis, angle, width, height);
     const bool premultiplied =
         src.format() == QImage::Format_ARGB32_Premultiplied && src.format() == dst.format();
     if (premultiplied && dst.width() >= width && dst.height() >= height && &src != &dst) {
-        paintRotatedMap(kernel, mapView(src), canvasView(dst));
+        paintRotatedMap(rotation, mapView(src), canvasView(dst));
         return;
     }
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x) {
-            const MapPosition source = kernel.source(x, y);
+            const MapPosition source = rotation.source(x, y);
             copyPixel(src, source.column, source.row, dst, x, y);
         }
 }

@@ -56,7 +56,7 @@ std::optional<int> cyclicShift(double angleDeg, int width)
     return shift < 0 ? shift + width : shift % width;
 }
 
-/// The whole chain in one pass. Events are handled between the rows of the map, as often as the globe stage
+/// The whole chain in one pass. Events are handled between the rows of the map, as often as the projection step
 /// would.
 /// @return null where the kernels do not cover it
 QImage composedMap(const QImage &photograph, const MapParameters &parameters)
@@ -69,7 +69,7 @@ QImage composedMap(const QImage &photograph, const MapParameters &parameters)
         return {};
 
     const OutputRatio ratio = outputRatio(photograph.size(), {width, height});
-    GlobeView view;
+    PerspectiveParameters view;
     view.centerX = parameters.centerX;
     view.centerY = parameters.centerY;
     view.radius = parameters.radius;
@@ -78,7 +78,7 @@ QImage composedMap(const QImage &photograph, const MapParameters &parameters)
     view.ratioY = ratio.y;
     view.photographWidth = photograph.width();
     view.photographHeight = photograph.height();
-    const GlobeKernel globe(view);
+    const NearSidedPerspective perspective(view);
 
     const MapRotation mapRotation = {*azimuthShift, truncateToInt(90 - parameters.latitude), *longitudeShift};
     QImage map = transparentCanvas({width, height});
@@ -89,8 +89,8 @@ QImage composedMap(const QImage &photograph, const MapParameters &parameters)
         for (; handled < globeRows; ++handled)
             QCoreApplication::processEvents();
     };
-    if (!paintComposedMap(globe, photographView(photograph), mapRotation, width, height, canvasView(map),
-                          handleEvents))
+    if (!paintComposedMap(perspective, photographView(photograph), mapRotation, width, height,
+                          canvasView(map), handleEvents))
         return {};
     qDebug() << "Convert error " << qint64(0); // no row of the chain lies above its map
     return map;

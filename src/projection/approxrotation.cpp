@@ -1,7 +1,7 @@
 #include "approxrotation.h"
 
 #include "arctangent.h"
-#include "globekernel.h"
+#include "nearsidedperspective.h"
 
 #include <algorithm>
 #include <cmath>

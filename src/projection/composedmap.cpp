@@ -10,14 +10,14 @@ namespace
 
 /// The rows of the work map that hold anything, from the top of the map downwards.
 struct PaintedRows {
-    PaintedRows(const GlobeKernel &globe, int height) : radii(size_t(height))
+    PaintedRows(const NearSidedPerspective &perspective, int height) : radii(size_t(height))
     {
         const int half = height / 2;
-        const int64_t firstRow = std::max<int64_t>(globe.firstRow(), half - height);
+        const int64_t firstRow = std::max<int64_t>(perspective.firstRow(), half - height);
         last = half - 1 - firstRow;
         first = last + 1;
-        for (int64_t k = firstRow; globe.hasRow(k) && k < half; ++k) {
-            const double radius = globe.radius(k);
+        for (int64_t k = firstRow; perspective.hasRow(k) && k < half; ++k) {
+            const double radius = perspective.radius(k);
             largestRadius = std::isnan(radius) ? HUGE_VAL : std::max(largestRadius, std::abs(radius));
             --first;
             radii[size_t(first)] = radius;
@@ -33,22 +33,22 @@ struct PaintedRows {
 };
 
 /// Directions of the columns of the work map after its shift to the right.
-std::vector<Direction> shiftedDirections(const GlobeKernel &globe, int width, int shift)
+std::vector<Direction> shiftedDirections(const NearSidedPerspective &perspective, int width, int shift)
 {
-    std::vector<Direction> directions = globe.directions(width);
+    std::vector<Direction> directions = perspective.directions(width);
     std::rotate(directions.begin(), directions.end() - shift, directions.end());
     return directions;
 }
 
-/// Answers with photograph pixels, straight from the directions and radii of the globe stage.
+/// Answers with photograph pixels, straight from the directions and radii of the projection step.
 template <bool Clipped>
-class GlobeIndexes
+class DiscSource
 {
 public:
-    GlobeIndexes(const GlobeKernel &globe, const ConstImageView &photograph, const PaintedRows &rows,
-                 const std::vector<Direction> &directions, const SphereRotation &rotation,
-                 const MirroredColumns &mirror)
-        : m_sample(globe.view(), photograph)
+    DiscSource(const NearSidedPerspective &perspective, const ConstImageView &photograph,
+               const PaintedRows &rows, const std::vector<Direction> &directions,
+               const SphereRotation &rotation, const MirroredColumns &mirror)
+        : m_sample(perspective.parameters(), photograph)
         , m_rows(rows)
         , m_directions(directions)
         , m_rotation(rotation)
@@ -104,17 +104,18 @@ private:
 
 } // namespace
 
-bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph,
+bool paintComposedMap(const NearSidedPerspective &perspective, const ConstImageView &photograph,
                       const MapRotation &mapRotation, int width, int height, const ImageView &canvas,
                       const std::function<void(int)> &progress, ApproximateSources *approximate)
 {
     if (!MirroredColumns::cover(3, width, height))
         return false;
-    const PaintedRows rows(globe, height);
+    const PaintedRows rows(perspective, height);
     if (rows.count() == 0)
         return true;
-    const std::vector<Direction> directions = shiftedDirections(globe, width, mapRotation.azimuthShift);
-    const Samples samples = samplesWithin(globe.view(), photograph, directions, rows.largestRadius);
+    const std::vector<Direction> directions = shiftedDirections(perspective, width, mapRotation.azimuthShift);
+    const Samples samples =
+        samplesWithin(perspective.parameters(), photograph, directions, rows.largestRadius);
     if (samples == Samples::Wrapping)
         return false;
 
@@ -130,8 +131,8 @@ bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph
         });
     };
     if (samples == Samples::Inside)
-        paint(GlobeIndexes<false>(globe, photograph, rows, directions, rotation, mirror));
+        paint(DiscSource<false>(perspective, photograph, rows, directions, rotation, mirror));
     else
-        paint(GlobeIndexes<true>(globe, photograph, rows, directions, rotation, mirror));
+        paint(DiscSource<true>(perspective, photograph, rows, directions, rotation, mirror));
     return true;
 }

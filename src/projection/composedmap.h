@@ -1,7 +1,7 @@
 #pragma once
 
 #include "approxrotation.h"
-#include "globekernel.h"
+#include "nearsidedperspective.h"
 
 #include <functional>
 
@@ -16,10 +16,10 @@ struct MapRotation {
 /// The chain in one pass: for each pixel of the finished map the pixel of the photograph, with no map in
 /// between.
 /// @param canvas    W x H pixels, transparent black
-/// @param progress  told between rows how many rows of the globe stage, of those that it paints, are worked off
+/// @param progress  told between rows how many rows of the projection step, of those that it paints, are worked off
 ///                  by now; ends with all of them
 /// @return false, and nothing is painted, for what the kernels do not cover; the operations one after the other do it then
-bool paintComposedMap(const GlobeKernel &globe, const ConstImageView &photograph,
+bool paintComposedMap(const NearSidedPerspective &perspective, const ConstImageView &photograph,
                       const MapRotation &mapRotation, int width, int height, const ImageView &canvas,
                       const std::function<void(int)> &progress,
                       ApproximateSources *approximate = approximateSources);

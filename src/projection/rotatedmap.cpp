@@ -8,10 +8,10 @@ namespace
 {
 
 /// Answers with the pixels of the map that is rotated.
-class MapIndexes
+class MapSource
 {
 public:
-    MapIndexes(const SphereRotation &rotation, const MirroredColumns &mirror, std::ptrdiff_t stride)
+    MapSource(const SphereRotation &rotation, const MirroredColumns &mirror, std::ptrdiff_t stride)
         : m_width(rotation.width())
         , m_height(rotation.height())
         , m_places(0, mirror.count())
@@ -58,7 +58,7 @@ void paintRotatedMap(const SphereRotation &rotation, const ConstImageView &map, 
         return paintExactly(rotation, map, canvas);
 
     const MirroredColumns mirror(rotation);
-    const MapIndexes kernel(rotation, mirror, map.stride);
+    const MapSource kernel(rotation, mirror, map.stride);
     const auto copied = [](uint32_t pixel) { return pixel; };
     TiledRemap remap(rotation, mirror, 0, kernel, map.pixels, copied, canvas, approximate);
     remap.paint([](int) {});

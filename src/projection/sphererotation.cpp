@@ -1,7 +1,7 @@
 #include "sphererotation.h"
 
-#include "globekernel.h"
 #include "integers.h"
+#include "nearsidedperspective.h"
 
 #include <cmath>
 

@@ -15,9 +15,9 @@ constexpr double radiansPerDegree = pi / 180;
 /// thousand million columns and a single row would need more memory than the map.
 constexpr int largestTable = 32767;
 
-/// Where a disc lies in a photograph and how large the map is: everything the globe stage computes with.
+/// Where a disc lies in a photograph and how large the map is: everything the projection step computes with.
 /// Lengths are pixels; formulas and letters: docs/projection.md.
-struct GlobeView {
+struct PerspectiveParameters {
     int centerX = 0;
     int centerY = 0;
     int radius = 0;
@@ -38,10 +38,10 @@ struct Direction {
 /// Which photograph pixel a column and row of the work map show: per column a direction, per row a radius,
 /// both in the doubles of the formulas; a sample is the truncated product, in the low 16 bits, added to the
 /// centre.
-class GlobeKernel
+class NearSidedPerspective
 {
 public:
-    explicit GlobeKernel(const GlobeView &view);
+    explicit NearSidedPerspective(const PerspectiveParameters &parameters);
 
     /// First row painted, counted upwards from the equator of the map. Any int, if hasRow() at all.
     int64_t firstRow() const { return m_firstRow; }
@@ -54,28 +54,28 @@ public:
     /// Directions of all columns of a map; of none if they are more than largestTable.
     std::vector<Direction> directions(int mapWidth) const;
 
-    const GlobeView &view() const { return m_view; }
+    const PerspectiveParameters &parameters() const { return m_parameters; }
 
 private:
-    GlobeView m_view;
+    PerspectiveParameters m_parameters;
     double m_tangentToPixels = 0.0;
     int64_t m_firstRow = 0;
 };
 
-/// Turns direction and radius into the number of the photograph pixel shown, for views whose samples are
+/// Turns direction and radius into the number of the photograph pixel shown, for a disc whose samples are
 /// bounded: the low 16 bits are the whole number, and no sum overflows an int.
 /// @tparam Clipped  samples may lie outside the photograph; they give GatherBatch::none
 template <bool Clipped>
 class BoundedSampler
 {
 public:
-    BoundedSampler(const GlobeView &view, const ConstImageView &photograph)
+    BoundedSampler(const PerspectiveParameters &parameters, const ConstImageView &photograph)
         : m_stride(static_cast<int32_t>(photograph.stride))
         , m_width(photograph.width)
         , m_height(photograph.height)
-        , m_centerX(view.centerX)
-        , m_centerY(view.centerY)
-        , m_centre(Clipped ? 0 : view.centerY * m_stride + view.centerX)
+        , m_centerX(parameters.centerX)
+        , m_centerY(parameters.centerY)
+        , m_centre(Clipped ? 0 : parameters.centerY * m_stride + parameters.centerX)
     {
     }
 
@@ -111,14 +111,14 @@ enum class Samples {
     Wrapping ///< anything may happen: sampleAnywhere() alone is right
 };
 /// @param largestRadius  upper bound of |radius|, pixels
-Samples samplesWithin(const GlobeView &view, const ConstImageView &photograph,
+Samples samplesWithin(const PerspectiveParameters &parameters, const ConstImageView &photograph,
                       const std::vector<Direction> &directions, double largestRadius);
-/// The photograph pixel shown, for any view, direction and radius; may lie outside.
+/// The photograph pixel shown, for any parameters, direction and radius; may lie outside.
 struct Sample {
     int64_t x;
     int64_t y;
 };
-Sample sampleAnywhere(const GlobeView &view, Direction direction, double radius);
+Sample sampleAnywhere(const PerspectiveParameters &parameters, Direction direction, double radius);
 
 /// Calls use(finish) with the function that turns a pixel of the photograph into one of a premultiplied
 /// canvas.
@@ -135,9 +135,9 @@ void withPixelFinish(const ConstImageView &photograph, Use use)
 /// pixel.
 /// @param radius  of the row; any double
 /// @param line    the canvas row, one pixel for each direction
-void paintGlobeRow(const GlobeView &view, const ConstImageView &photograph,
-                   const std::vector<Direction> &directions, double radius, uint32_t *line);
+void paintMapRow(const PerspectiveParameters &parameters, const ConstImageView &photograph,
+                 const std::vector<Direction> &directions, double radius, uint32_t *line);
 
 /// Number of samples of a row that pass the bounds of convertImage; a column one beyond the right edge
 /// passes.
-int64_t countGlobeRow(const GlobeKernel &kernel, double radius, int mapWidth);
+int64_t countRowSamples(const NearSidedPerspective &perspective, double radius, int mapWidth);

@@ -1,4 +1,4 @@
-#include "globekernel.h"
+#include "nearsidedperspective.h"
 
 #include "integers.h"
 
@@ -34,43 +34,44 @@ struct RadialCorrection {
 
 } // namespace
 
-GlobeKernel::GlobeKernel(const GlobeView &view) : m_view(view)
+NearSidedPerspective::NearSidedPerspective(const PerspectiveParameters &parameters) : m_parameters(parameters)
 {
-    const double alpha = std::asin(1 / view.distance); // apparent angular radius of the globe
+    const double alpha = std::asin(1 / parameters.distance); // apparent angular radius of the globe
     const double alphaDeg = alpha * 180 / pi;
-    const double edgeRows = alphaDeg / (90.0 / view.photographHeight) * view.ratioY;
-    m_tangentToPixels = view.radius / std::tan(alpha);
-    const int marginRows = wrapToInt16(truncateToInt(view.margin * (view.ratioY * view.photographHeight)));
+    const double edgeRows = alphaDeg / (90.0 / parameters.photographHeight) * parameters.ratioY;
+    m_tangentToPixels = parameters.radius / std::tan(alpha);
+    const int marginRows =
+        wrapToInt16(truncateToInt(parameters.margin * (parameters.ratioY * parameters.photographHeight)));
     const double firstRow = marginRows + edgeRows;
     // From the surface, from inside and from behind nothing is seen, whatever the arc sine makes of it. A
     // first row that is no number, or beyond every number of a row, lies beyond the last one.
-    const bool anyRow = view.distance > 1 && std::abs(firstRow) <= std::numeric_limits<int>::max();
+    const bool anyRow = parameters.distance > 1 && std::abs(firstRow) <= std::numeric_limits<int>::max();
     m_firstRow = anyRow ? truncateToInt(firstRow) : std::numeric_limits<int>::max();
 }
 
-bool GlobeKernel::hasRow(int64_t k) const
+bool NearSidedPerspective::hasRow(int64_t k) const
 {
     return k < std::numeric_limits<int>::max() &&
-           m_view.ratioY * m_view.photographHeight - 1 >= static_cast<double>(k);
+           m_parameters.ratioY * m_parameters.photographHeight - 1 >= static_cast<double>(k);
 }
 
-double GlobeKernel::radius(int64_t k) const
+double NearSidedPerspective::radius(int64_t k) const
 {
-    const double rows = m_view.ratioY * m_view.photographHeight;
+    const double rows = m_parameters.ratioY * m_parameters.photographHeight;
     const double phi = (90 - static_cast<double>(k) * 90 / rows) * radiansPerDegree;
-    const double tangent = std::tan(std::atan(std::sin(phi) / (m_view.distance - std::cos(phi))));
+    const double tangent = std::tan(std::atan(std::sin(phi) / (m_parameters.distance - std::cos(phi))));
     return RadialCorrection(m_tangentToPixels)(tangent * m_tangentToPixels);
 }
 
-Direction GlobeKernel::direction(int x, int mapWidth) const
+Direction NearSidedPerspective::direction(int x, int mapWidth) const
 {
-    const double columns = m_view.ratioX * m_view.photographWidth;
+    const double columns = m_parameters.ratioX * m_parameters.photographWidth;
     const int c = mapWidth - 1 - x;
     const double lambda = (c * 360.0 / columns + (-180)) * radiansPerDegree;
     return {std::cos(lambda), std::sin(lambda)};
 }
 
-std::vector<Direction> GlobeKernel::directions(int mapWidth) const
+std::vector<Direction> NearSidedPerspective::directions(int mapWidth) const
 {
     std::vector<Direction> result;
     for (int x = 0; mapWidth <= largestTable && x < mapWidth; ++x)
@@ -78,12 +79,12 @@ std::vector<Direction> GlobeKernel::directions(int mapWidth) const
     return result;
 }
 
-Samples samplesWithin(const GlobeView &view, const ConstImageView &photograph,
+Samples samplesWithin(const PerspectiveParameters &parameters, const ConstImageView &photograph,
                       const std::vector<Direction> &directions, double largestRadius)
 {
     constexpr int64_t largestCentre = 1 << 30;
-    const int64_t centerX = view.centerX;
-    const int64_t centerY = view.centerY;
+    const int64_t centerX = parameters.centerX;
+    const int64_t centerY = parameters.centerY;
     // The left edge has the largest longitude: if its direction is a number, all are.
     if (!(largestRadius <= std::numeric_limits<int16_t>::max()) || directions.empty() ||
         !std::isfinite(directions.front().cosine) || std::abs(centerX) > largestCentre ||
@@ -96,10 +97,10 @@ Samples samplesWithin(const GlobeView &view, const ConstImageView &photograph,
     return inside ? Samples::Inside : Samples::Clipped;
 }
 
-Sample sampleAnywhere(const GlobeView &view, Direction direction, double radius)
+Sample sampleAnywhere(const PerspectiveParameters &parameters, Direction direction, double radius)
 {
-    return {int64_t(wrapToInt16(truncateToInt(direction.cosine * radius))) + view.centerX,
-            int64_t(wrapToInt16(truncateToInt(direction.sine * radius))) + view.centerY};
+    return {int64_t(wrapToInt16(truncateToInt(direction.cosine * radius))) + parameters.centerX,
+            int64_t(wrapToInt16(truncateToInt(direction.sine * radius))) + parameters.centerY};
 }
 
 namespace
@@ -123,19 +124,19 @@ void paintBoundedRow(const Sampler &sample, const ConstImageView &photograph, Fi
 
 } // namespace
 
-void paintGlobeRow(const GlobeView &view, const ConstImageView &photograph,
-                   const std::vector<Direction> &directions, double radius, uint32_t *line)
+void paintMapRow(const PerspectiveParameters &parameters, const ConstImageView &photograph,
+                 const std::vector<Direction> &directions, double radius, uint32_t *line)
 {
-    const Samples samples = samplesWithin(view, photograph, directions, std::abs(radius));
+    const Samples samples = samplesWithin(parameters, photograph, directions, std::abs(radius));
     withPixelFinish(photograph, [&](auto finish) {
         if (samples == Samples::Inside)
-            return paintBoundedRow(BoundedSampler<false>(view, photograph), photograph, finish, directions,
-                                   radius, line);
+            return paintBoundedRow(BoundedSampler<false>(parameters, photograph), photograph, finish,
+                                   directions, radius, line);
         if (samples == Samples::Clipped)
-            return paintBoundedRow(BoundedSampler<true>(view, photograph), photograph, finish, directions,
-                                   radius, line);
+            return paintBoundedRow(BoundedSampler<true>(parameters, photograph), photograph, finish,
+                                   directions, radius, line);
         for (const Direction &direction : directions) {
-            const Sample sample = sampleAnywhere(view, direction, radius);
+            const Sample sample = sampleAnywhere(parameters, direction, radius);
             if (sample.x >= 0 && sample.x < photograph.width && sample.y >= 0 && sample.y < photograph.height)
                 *line = finish(photograph.pixels[sample.y * photograph.stride + sample.x]);
             ++line;
@@ -143,14 +144,14 @@ void paintGlobeRow(const GlobeView &view, const ConstImageView &photograph,
     });
 }
 
-int64_t countGlobeRow(const GlobeKernel &kernel, double radius, int mapWidth)
+int64_t countRowSamples(const NearSidedPerspective &perspective, double radius, int mapWidth)
 {
-    const GlobeView &view = kernel.view();
+    const PerspectiveParameters &parameters = perspective.parameters();
     int64_t count = 0;
     for (int x = 0; x < mapWidth; ++x) {
-        const Sample sample = sampleAnywhere(view, kernel.direction(x, mapWidth), radius);
-        count += sample.x >= 0 && sample.x <= view.photographWidth && sample.y >= 0 &&
-                 sample.y < view.photographHeight;
+        const Sample sample = sampleAnywhere(parameters, perspective.direction(x, mapWidth), radius);
+        count += sample.x >= 0 && sample.x <= parameters.photographWidth && sample.y >= 0 &&
+                 sample.y < parameters.photographHeight;
     }
     return count;
 }
