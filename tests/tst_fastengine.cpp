@@ -198,13 +198,13 @@ Case anyCase(Chance &chance, int photographSide, QSize largestMap)
 
 /// What became of the approximation of some rows of a rotated map.
 struct Tally {
-    qint64 places = 0;
+    qint64 pairs = 0;
     qint64 uncertain = 0;
     qint64 wrong = 0; ///< neither uncertain nor what exact arithmetic says
 
     void operator+=(const Tally &other)
     {
-        places += other.places;
+        pairs += other.pairs;
         uncertain += other.uncertain;
         wrong += other.wrong;
     }
@@ -222,9 +222,9 @@ public:
     {
         m_row = rotatedRow(m_rotation, y);
         m_positions.clear();
-        for (int place = 0; place < m_mirror.count(); ++place)
-            m_positions.append({m_rotation.source(m_mirror.column(place), y),
-                                m_rotation.source(m_mirror.mirroredColumn(place), y)});
+        for (int pair = 0; pair < m_mirror.count(); ++pair)
+            m_positions.append({m_rotation.source(m_mirror.column(pair), y),
+                                m_rotation.source(m_mirror.mirroredColumn(pair), y)});
     }
 
     /// Approximates the row in pieces.
@@ -240,7 +240,7 @@ public:
         for (int begin = 0; begin < m_mirror.count(); begin += ApproxSources::capacity) {
             const int count = std::min(ApproxSources::capacity, m_mirror.count() - begin);
             approximate(scale, m_row, m_mirror.cosines() + begin, m_mirror.sines() + begin, count, *out);
-            tally.places += count;
+            tally.pairs += count;
             tally.uncertain += out->uncertainCount;
             const int32_t *nextUncertain = out->uncertain;
             for (int i = 0; i < count; ++i) {
@@ -372,15 +372,15 @@ void tst_FastEngine::mirrorsCoverEveryColumnOnce()
     const SphereRotation rotation(3, 55, width, 2);
     const MirroredColumns mirror(rotation);
     QVector<int> seen(width);
-    for (int place = 0; place < mirror.count(); ++place) {
-        const int column = mirror.column(place);
-        const int mirrored = mirror.mirroredColumn(place);
+    for (int pair = 0; pair < mirror.count(); ++pair) {
+        const int column = mirror.column(pair);
+        const int mirrored = mirror.mirroredColumn(pair);
         ++seen[column];
         // Longitudes 90 and 270 are their own mirrors.
         if (mirrored != column)
             ++seen[mirrored];
-        QVERIFY(mirror.cosines()[place] >= 0);
-        QVERIFY(place == 0 || mirror.sines()[place] > mirror.sines()[place - 1]);
+        QVERIFY(mirror.cosines()[pair] >= 0);
+        QVERIFY(pair == 0 || mirror.sines()[pair] > mirror.sines()[pair - 1]);
         QVERIFY(std::abs(rotation.column(column).sine - rotation.column(mirrored).sine) < 1e-14);
         QVERIFY(std::abs(rotation.column(column).cosine + rotation.column(mirrored).cosine) < 1e-14);
     }
@@ -410,7 +410,7 @@ void tst_FastEngine::approximationsAreExactOrUncertain()
             tallyRows(angle, {size.width(), height}, rowStep, tallies);
     for (const QString &way : tallies.keys()) {
         QVERIFY2(tallies[way].wrong == 0, qPrintable(way));
-        QVERIFY2(tallies[way].uncertain < tallies[way].places, qPrintable(way));
+        QVERIFY2(tallies[way].uncertain < tallies[way].pairs, qPrintable(way));
     }
 }
 
@@ -432,8 +432,8 @@ void tst_FastEngine::fewApproximationsAreUncertain()
     QMap<QString, Tally> large;
     tallyRows(55, {8192, 4096}, 997, large);
     for (const Way &way : ways()) {
-        QVERIFY2(small[way.name].uncertain * 200 < small[way.name].places, qPrintable(way.name));
-        QVERIFY2(large[way.name].uncertain * 50 < large[way.name].places, qPrintable(way.name));
+        QVERIFY2(small[way.name].uncertain * 200 < small[way.name].pairs, qPrintable(way.name));
+        QVERIFY2(large[way.name].uncertain * 50 < large[way.name].pairs, qPrintable(way.name));
     }
 }
 

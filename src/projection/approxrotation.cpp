@@ -82,11 +82,11 @@ MirroredColumns::MirroredColumns(const SphereRotation &rotation)
     const size_t size = size_t(m_count) + ApproxSources::padding;
     m_cosines.resize(size);
     m_sines.resize(size);
-    for (int place = 0; place < m_count; ++place) {
+    for (int pair = 0; pair < m_count; ++pair) {
         // A cosine at 90 degrees may be a hair below zero.
-        const CosineSine lambda = rotation.column(column(place));
-        m_cosines[size_t(place)] = std::max(static_cast<float>(lambda.cosine), 0.0F);
-        m_sines[size_t(place)] = static_cast<float>(lambda.sine);
+        const CosineSine lambda = rotation.column(column(pair));
+        m_cosines[size_t(pair)] = std::max(static_cast<float>(lambda.cosine), 0.0F);
+        m_sines[size_t(pair)] = static_cast<float>(lambda.sine);
     }
 }
 

@@ -34,17 +34,17 @@ struct ApproxScale {
 /// Approximate positions for neighbouring columns, and for the columns that mirror them at longitude 90.
 struct ApproxSources {
     static constexpr int capacity = 512;
-    /// Of the inputs and of every list: a vector may reach this far beyond the last place.
+    /// Of the inputs and of every list: a vector may reach this far beyond the last pair.
     static constexpr int padding = 64;
 
     alignas(64) int32_t columns[capacity + padding];
     alignas(64) int32_t mirroredColumns[capacity + padding];
     alignas(64) int32_t rows[capacity + padding]; ///< of both
-    int32_t uncertain[capacity]; ///< places where exact arithmetic must decide, for both columns
+    int32_t uncertain[capacity]; ///< pairs where exact arithmetic must decide, for both columns
     int uncertainCount = 0;
 };
 
-/// Approximates positions. Everything not listed as uncertain equals SphereRotation::source(); uncertain places
+/// Approximates positions. Everything not listed as uncertain equals SphereRotation::source(); uncertain pairs
 /// hold a position inside the map.
 /// @param cosines  of the longitudes -90 .. 90, not negative, readable for `padding` more
 /// @param sines    likewise
@@ -66,11 +66,11 @@ public:
 
     explicit MirroredColumns(const SphereRotation &rotation);
 
-    /// Number of places; their longitudes rise from about -90 to 90 degrees.
+    /// Number of column pairs; their longitudes rise from about -90 to 90 degrees.
     int count() const { return m_count; }
-    /// Map column of a place, and of its mirror; 0 .. W - 1.
-    int column(int place) const { return wrapped(m_first + place); }
-    int mirroredColumn(int place) const { return wrapped(m_width / 2 - m_first - place); }
+    /// The two map columns of a pair; 0 .. W - 1.
+    int column(int pair) const { return wrapped(m_first + pair); }
+    int mirroredColumn(int pair) const { return wrapped(m_width / 2 - m_first - pair); }
     const float *cosines() const { return m_cosines.data(); }
     const float *sines() const { return m_sines.data(); }
 
@@ -78,7 +78,7 @@ private:
     int wrapped(int x) const { return x < 0 ? x + m_width : x >= m_width ? x - m_width : x; }
 
     int m_width;
-    int m_first; ///< column of the first place; negative: counted from the right
+    int m_first; ///< column of the first pair; negative: counted from the right
     int m_count;
     std::vector<float> m_cosines;
     std::vector<float> m_sines;

@@ -72,13 +72,13 @@ public:
     }
 
     /// The columns that can reach the visible cap: Z' is monotonic between the longitudes -90 and 90.
-    PlaceRange places(int y) const
+    Span pairs(int y) const
     {
         constexpr double slack = 1e-12; // far more than doubles are off, far less than a row
         const double zBySine = -m_rotation.sineOfAngle() * m_rotation.row(y).cosine;
         const double z = m_rotation.cosineOfAngle() * m_rotation.row(y).sine;
-        const auto inCap = [&](int place) {
-            return zBySine * m_rotation.column(m_mirror.column(place)).sine + z < m_zLimit + slack;
+        const auto inCap = [&](int pair) {
+            return zBySine * m_rotation.column(m_mirror.column(pair)).sine + z < m_zLimit + slack;
         };
         int low = 0;
         int high = m_mirror.count();
@@ -90,7 +90,7 @@ public:
             else
                 low = middle + 1;
         }
-        return capOnRight ? PlaceRange(low, m_mirror.count()) : PlaceRange(0, low);
+        return capOnRight ? Span{low, m_mirror.count()} : Span{0, low};
     }
 
 private:

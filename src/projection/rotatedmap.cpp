@@ -14,7 +14,7 @@ public:
     MapSource(const SphereRotation &rotation, const MirroredColumns &mirror, std::ptrdiff_t stride)
         : m_width(rotation.width())
         , m_height(rotation.height())
-        , m_places(0, mirror.count())
+        , m_pairs{0, mirror.count()}
         , m_stride(static_cast<int32_t>(stride))
     {
     }
@@ -27,12 +27,12 @@ public:
             position.column >= 0 && position.column < m_width && position.row >= 0 && position.row < m_height;
         return inside ? index(position.column, position.row) : GatherBatch::none;
     }
-    PlaceRange places(int) const { return m_places; }
+    Span pairs(int) const { return m_pairs; }
 
 private:
     int m_width;
     int m_height;
-    PlaceRange m_places;
+    Span m_pairs;
     int32_t m_stride;
 };
 

@@ -6,18 +6,20 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
-/// Places from .first to before .second; empty when they are equal.
-using PlaceRange = std::pair<int, int>;
+/// Column pairs from `begin` to before `end`; none when they are equal.
+struct Span {
+    int begin;
+    int end;
+};
 
 /// Paints the rows of a rotated map. A kernel answers which pixel each position of the map that is rotated
 /// shows; that map itself need not exist.
 /// @tparam Kernel
 ///     int32_t index(int column, int row) const      of a position that the approximation is certain of
 ///     int32_t exactIndex(MapPosition) const         of any position; GatherBatch::none outside
-///     PlaceRange places(int y) const                that can show anything at all
+///     Span pairs(int y) const                that can show anything at all
 ///     int firstRow() const                          first row that index() may be asked for
 template <typename Kernel, typename Finish>
 class TiledRemap
@@ -58,13 +60,13 @@ public:
 private:
     void paintBand(int top, int bottom)
     {
-        for (const PlaceRange &tile : m_tiles)
+        for (const Span &tile : m_tiles)
             for (int y = top; y < bottom; ++y) {
-                const PlaceRange places = m_kernel.places(y);
-                const int begin = std::max(tile.first, places.first);
-                const int end = std::min(tile.second, places.second);
+                const Span pairs = m_kernel.pairs(y);
+                const int begin = std::max(tile.begin, pairs.begin);
+                const int end = std::min(tile.end, pairs.end);
                 if (begin < end)
-                    paintPlaces(y, begin, end);
+                    paintPairs(y, begin, end);
             }
         m_gather.flush();
     }
@@ -75,32 +77,32 @@ private:
         return x < m_rotation.width() ? x : x - m_rotation.width();
     }
 
-    /// Pieces of at most GatherBatch::capacity places in which neither the columns nor their mirrors pass the
+    /// Pieces of at most GatherBatch::capacity pairs in which neither the columns nor their mirrors pass the
     /// edge.
-    std::vector<PlaceRange> tiles() const
+    std::vector<Span> tiles() const
     {
-        std::vector<PlaceRange> result;
+        std::vector<Span> result;
         for (int begin = 0; begin < m_mirror.count();) {
             const int toRightEdge = m_rotation.width() - canvasColumn(m_mirror.column(begin));
             const int toLeftEdge = canvasColumn(m_mirror.mirroredColumn(begin)) + 1;
             const int end = std::min(
                 {begin + GatherBatch::capacity, begin + toRightEdge, begin + toLeftEdge, m_mirror.count()});
-            result.emplace_back(begin, end);
+            result.push_back({begin, end});
             begin = end;
         }
         return result;
     }
 
-    void paintPlaces(int y, int begin, int end)
+    void paintPairs(int y, int begin, int end)
     {
         m_approximate(m_scale, rotatedRow(m_rotation, y), m_mirror.cosines() + begin,
                       m_mirror.sines() + begin, end - begin, m_approx);
         uint32_t *line = m_canvas.pixels + y * m_canvas.stride;
         paintBatch(y, begin, end, m_approx.columns, line + canvasColumn(m_mirror.column(begin)), 1,
-                   [&](int place) { return m_mirror.column(place); });
+                   [&](int pair) { return m_mirror.column(pair); });
         paintBatch(y, begin, end, m_approx.mirroredColumns,
                    line + canvasColumn(m_mirror.mirroredColumn(begin)), -1,
-                   [&](int place) { return m_mirror.mirroredColumn(place); });
+                   [&](int pair) { return m_mirror.mirroredColumn(pair); });
     }
 
     template <typename ColumnOf>
@@ -114,8 +116,8 @@ private:
         for (int i = 0; i < batch.count; ++i)
             batch.indexes[i] = m_kernel.index(columns[i], m_approx.rows[i]);
         for (int i = 0; i < m_approx.uncertainCount; ++i) {
-            const int place = m_approx.uncertain[i];
-            batch.indexes[place] = m_kernel.exactIndex(m_rotation.source(columnOf(begin + place), y));
+            const int pair = m_approx.uncertain[i];
+            batch.indexes[pair] = m_kernel.exactIndex(m_rotation.source(columnOf(begin + pair), y));
         }
         m_gather.submit();
     }
@@ -129,5 +131,5 @@ private:
     GatherQueue<Finish> m_gather;
     ImageView m_canvas;
     ApproximateSources *m_approximate;
-    std::vector<PlaceRange> m_tiles;
+    std::vector<Span> m_tiles;
 };
