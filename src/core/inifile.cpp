@@ -179,7 +179,7 @@ void loadSettings(const QString &path, const QVector<Setting> &settings)
 {
     const auto file = openIniFile(path);
     for (const Setting &setting : settings)
-        setting.take(file->value(setting.key, setting.defaultValue));
+        setting.set(file->value(setting.key, setting.defaultValue));
 }
 
 bool saveSettings(const QString &path, const QVector<Setting> &settings)

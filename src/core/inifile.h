@@ -27,7 +27,7 @@ struct Setting {
     QVariant defaultValue;           ///< its type is the type of the value
     std::function<QVariant()> value; ///< the current value, for saving
     /// Receives the file's value, or the default if the key is absent.
-    std::function<void(const QVariant &)> take;
+    std::function<void(const QVariant &)> set;
 };
 
 /// A setting that is one variable of type T (bool, int, double, QString): converted as QVariant converts.
