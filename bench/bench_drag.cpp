@@ -1,8 +1,8 @@
 // Times what a hand feels: one step of a drag that moves the circle, from the mouse event to the painted
-// widget. The uncached way (convert the whole photograph, draw, make a pixmap) and the canvas take turns in
+// widget. The uncached way (convert the whole photograph, draw, make a pixmap) and the overlay take turns in
 // every round, so that a busy machine slows both alike; medians are printed. Before anything is timed, the
 // picture and the widget of both ways are compared pixel by pixel. Run it with QT_QPA_PLATFORM=offscreen.
-#include "circlecanvas.h"
+#include "circleoverlay.h"
 #include "myimage.h"
 
 #include <QApplication>
@@ -92,14 +92,14 @@ double median(std::vector<double> times)
 bool measure(const QString &name, const QImage &image)
 {
     const CirclePen pen{Qt::red, 3, Qt::DotLine};
-    CircleCanvas canvas;
+    CircleOverlay overlay;
     Drag uncached(image.size(), [&](const SelectionCircle &circle) {
         QImage copy = image.convertToFormat(QImage::Format_ARGB32);
         drawCircle(copy, circle, pen.color, pen.size, pen.square);
         return QPixmap::fromImage(copy);
     });
     Drag fast(image.size(),
-              [&](const SelectionCircle &circle) { return canvas.picture(image, circle, pen); });
+              [&](const SelectionCircle &circle) { return overlay.picture(image, circle, pen); });
 
     constexpr int comparedSteps = 5;
     for (int i = 0; i < comparedSteps; ++i) {
@@ -120,7 +120,7 @@ bool measure(const QString &name, const QImage &image)
     }
     const double before = median(uncachedTimes);
     const double after = median(fastTimes);
-    out() << QString("%1  uncached %2 ms  canvas %3 ms  factor %4\n")
+    out() << QString("%1  uncached %2 ms  overlay %3 ms  factor %4\n")
                  .arg(name, -34)
                  .arg(before, 6, 'f', 1)
                  .arg(after, 5, 'f', 1)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "circlecanvas.h"
+#include "circleoverlay.h"
 #include "mapconversion.h"
 #include "selectioncircle.h"
 
@@ -168,5 +168,5 @@ private:
     QImage convertPhotograph(AzimuthCanvas azimuthCanvas);
     void confirmSaved(const QString &title, const QString &path);
 
-    CircleCanvas circleCanvas; // what the label shows
+    CircleOverlay circleOverlay; // what the label shows
 };

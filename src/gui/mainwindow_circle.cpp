@@ -63,10 +63,10 @@ void MainWindow::updateSelect()
         showCircle(std::nullopt, Qt::DotLine);
 }
 
-// Shows the photograph with a circle burnt in, or without; the members stay as they are.
+// Shows the photograph with a circle as an overlay, or without; the members stay as they are.
 void MainWindow::showCircle(const std::optional<SelectionCircle> &shown, Qt::PenStyle square)
 {
-    ui->label->setPixmap(circleCanvas.picture(image, shown, {penColor, penSize, square}));
+    ui->label->setPixmap(circleOverlay.picture(image, shown, {penColor, penSize, square}));
 }
 
 void MainWindow::on_lineCenterX_returnPressed()

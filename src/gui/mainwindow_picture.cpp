@@ -78,7 +78,7 @@ void MainWindow::loadImage()
 void MainWindow::clearPicture()
 {
     ui->label->setPixmap(QPixmap());
-    circleCanvas.clear();
+    circleOverlay.clear();
 }
 
 // Entry refuses several images; the drop handles them all the same.

@@ -1,4 +1,4 @@
-#include "circlecanvas.h"
+#include "circleoverlay.h"
 
 #include <algorithm>
 #include <cstring>
@@ -17,7 +17,7 @@ QPixmap uncachedPicture(const QImage &photograph, const std::optional<SelectionC
 }
 
 /// The position of some pixel that is not opaque, none if all are.
-std::optional<QPoint> seeThroughPixel(const QImage &photograph)
+std::optional<QPoint> translucentPixel(const QImage &photograph)
 {
     if (!photograph.hasAlphaChannel())
         return std::nullopt;
@@ -52,8 +52,8 @@ void copyRectangle(const QImage &source, QImage &target, const QRect &rectangle)
 
 } // namespace
 
-QPixmap CircleCanvas::picture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
-                              const CirclePen &pen)
+QPixmap CircleOverlay::picture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
+                               const CirclePen &pen)
 {
     if (photograph.isNull()) {
         clear();
@@ -64,20 +64,20 @@ QPixmap CircleCanvas::picture(const QImage &photograph, const std::optional<Sele
 
     const std::optional<QVector<QRect>> rectangles =
         circle ? drawnRectangles(m_photograph.size(), *circle, pen.size) : QVector<QRect>();
-    // A circle over the pixel that is known to be see-through may have covered the last one: only a look at
+    // A circle over the pixel that is known to be translucent may have covered the last one: only a look at
     // the whole picture tells.
     const bool coversPixel =
-        rectangles && m_seeThroughPixel &&
+        rectangles && m_translucentPixel &&
         std::any_of(rectangles->begin(), rectangles->end(),
-                    [this](const QRect &rectangle) { return rectangle.contains(*m_seeThroughPixel); });
+                    [this](const QRect &rectangle) { return rectangle.contains(*m_translucentPixel); });
     if (!rectangles || coversPixel)
         return uncachedPicture(m_photograph, circle, pen);
 
     Buffer &buffer = m_buffers[m_next];
     m_next = 1 - m_next;
     if (buffer.image.isNull())
-        buffer.image = converted(m_photograph, m_seeThroughPixel ? QImage::Format_ARGB32_Premultiplied
-                                                                 : QImage::Format_RGB32);
+        buffer.image = converted(m_photograph, m_translucentPixel ? QImage::Format_ARGB32_Premultiplied
+                                                                  : QImage::Format_RGB32);
     if (buffer.image.isNull() || m_drawing.isNull()) // no memory for it
         return uncachedPicture(m_photograph, circle, pen);
     for (const QRect &rectangle : std::as_const(buffer.rectangles))
@@ -88,23 +88,23 @@ QPixmap CircleCanvas::picture(const QImage &photograph, const std::optional<Sele
     return QPixmap::fromImage(buffer.image, Qt::NoOpaqueDetection);
 }
 
-void CircleCanvas::clear()
+void CircleOverlay::clear()
 {
-    *this = CircleCanvas();
+    *this = CircleOverlay();
 }
 
-void CircleCanvas::take(const QImage &photograph)
+void CircleOverlay::take(const QImage &photograph)
 {
     clear();
     m_key = photograph.cacheKey();
     m_photograph = photograph;
     m_photograph.setDevicePixelRatio(1.0);
-    m_seeThroughPixel = seeThroughPixel(m_photograph);
+    m_translucentPixel = translucentPixel(m_photograph);
     m_drawing = QImage(photograph.size(), QImage::Format_ARGB32);
 }
 
-void CircleCanvas::paint(Buffer &buffer, const QVector<QRect> &rectangles, const SelectionCircle &circle,
-                         const CirclePen &pen)
+void CircleOverlay::paint(Buffer &buffer, const QVector<QRect> &rectangles, const SelectionCircle &circle,
+                          const CirclePen &pen)
 {
     for (const QRect &rectangle : rectangles)
         copyRectangle(m_photograph, m_drawing, rectangle);

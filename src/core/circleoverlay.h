@@ -17,11 +17,11 @@ struct CirclePen {
     Qt::PenStyle square = Qt::DotLine; ///< Qt::SolidLine while a new circle is being drawn
 };
 
-/// The photograph with the circle burnt in at its own resolution. Pixel for pixel, and in its alpha channel,
+/// The photograph with the circle as an overlay at its own resolution. Pixel for pixel, and in its alpha channel,
 /// what converting the photograph to ARGB32, drawCircle and QPixmap::fromImage give, but made for being
 /// called on every step of a drag: it keeps two finished pictures and changes, in the one that is not on the
 /// screen, only the pixels around the lines of the old and the new circle.
-class CircleCanvas
+class CircleOverlay
 {
 public:
     /// A new pixmap for each call; later calls leave it as it is. Fast as long as the caller lets go of the
@@ -46,7 +46,7 @@ private:
 
     qint64 m_key = 0; // cacheKey() of the photograph that the rest is about; 0: none
     QImage m_photograph;
-    std::optional<QPoint> m_seeThroughPixel; // one that makes the whole picture keep its alpha channel
+    std::optional<QPoint> m_translucentPixel; // one that makes the whole picture keep its alpha channel
     QImage m_drawing; // ARGB32 to draw in; holds nothing outside the rectangles at work
     std::array<Buffer, 2> m_buffers;
     std::size_t m_next = 0; // the buffer whose pixmap is the older one

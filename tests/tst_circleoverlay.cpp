@@ -1,4 +1,4 @@
-#include "circlecanvas.h"
+#include "circleoverlay.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -45,7 +45,7 @@ const CirclePen redPen{Qt::red, 3, Qt::DotLine};
 
 } // namespace
 
-class tst_CircleCanvas : public QObject
+class tst_CircleOverlay : public QObject
 {
     Q_OBJECT
 
@@ -64,24 +64,24 @@ private slots:
     void startsAfreshWhenCleared();
 };
 
-void tst_CircleCanvas::givesNothingForNoPhotograph()
+void tst_CircleOverlay::givesNothingForNoPhotograph()
 {
-    CircleCanvas canvas;
-    QVERIFY(canvas.picture(QImage(), std::nullopt, redPen).isNull());
-    QVERIFY(canvas.picture(QImage(), SelectionCircle{5, 5, 5}, redPen).isNull());
+    CircleOverlay overlay;
+    QVERIFY(overlay.picture(QImage(), std::nullopt, redPen).isNull());
+    QVERIFY(overlay.picture(QImage(), SelectionCircle{5, 5, 5}, redPen).isNull());
     const QImage photograph = noise(20, 20, QImage::Format_RGB32);
-    QVERIFY(!canvas.picture(photograph, std::nullopt, redPen).isNull());
-    QVERIFY(canvas.picture(QImage(), std::nullopt, redPen).isNull());
+    QVERIFY(!overlay.picture(photograph, std::nullopt, redPen).isNull());
+    QVERIFY(overlay.picture(QImage(), std::nullopt, redPen).isNull());
 }
 
-void tst_CircleCanvas::equalsTheUncachedPicture_data()
+void tst_CircleOverlay::equalsTheUncachedPicture_data()
 {
     QTest::addColumn<QImage::Format>("format");
     QTest::addColumn<int>("opaqueShare"); // one pixel in so many is opaque for certain
 
     QTest::newRow("RGB32, a JPEG photograph") << QImage::Format_RGB32 << 1;
     QTest::newRow("ARGB32, all of it opaque") << QImage::Format_ARGB32 << 1;
-    QTest::newRow("ARGB32, half of it see-through") << QImage::Format_ARGB32 << 2;
+    QTest::newRow("ARGB32, half of it translucent") << QImage::Format_ARGB32 << 2;
     QTest::newRow("premultiplied") << QImage::Format_ARGB32_Premultiplied << 2;
     QTest::newRow("RGB888") << QImage::Format_RGB888 << 1;
     QTest::newRow("RGBA8888") << QImage::Format_RGBA8888 << 2;
@@ -94,7 +94,7 @@ void tst_CircleCanvas::equalsTheUncachedPicture_data()
     QTest::newRow("16 bits altogether") << QImage::Format_RGB16 << 1;
 }
 
-void tst_CircleCanvas::equalsTheUncachedPicture()
+void tst_CircleOverlay::equalsTheUncachedPicture()
 {
     QFETCH(QImage::Format, format);
     QFETCH(int, opaqueShare);
@@ -102,7 +102,7 @@ void tst_CircleCanvas::equalsTheUncachedPicture()
     for (int photographs = 0; photographs < 12; ++photographs) {
         const QImage photograph =
             noise(1 + random.bounded(180), 1 + random.bounded(180), format, opaqueShare);
-        CircleCanvas canvas;
+        CircleOverlay overlay;
         for (int step = 0; step < 12; ++step) {
             std::optional<SelectionCircle> circle;
             if (random.bounded(8) > 0)
@@ -112,136 +112,137 @@ void tst_CircleCanvas::equalsTheUncachedPicture()
             pen.color = QColor::fromRgba(random.generate() | (random.bounded(2) == 0 ? 0xff000000U : 0U));
             pen.size = random.bounded(8) == 0 ? random.bounded(0, 65) : random.bounded(0, 10);
             pen.square = random.bounded(3) == 0 ? Qt::SolidLine : Qt::DotLine;
-            QCOMPARE(
-                difference(canvas.picture(photograph, circle, pen), uncachedPicture(photograph, circle, pen)),
-                QString());
+            QCOMPARE(difference(overlay.picture(photograph, circle, pen),
+                                uncachedPicture(photograph, circle, pen)),
+                     QString());
         }
     }
 }
 
-void tst_CircleCanvas::takesTheOldCircleAwayCompletely()
+void tst_CircleOverlay::takesTheOldCircleAwayCompletely()
 {
     const QImage photograph = noise(300, 200, QImage::Format_RGB32);
-    CircleCanvas canvas;
+    CircleOverlay overlay;
     for (int i = 0; i < 6; ++i) {
-        // Twice each: the canvas keeps two pictures, and the circle must leave either.
-        canvas.picture(photograph, SelectionCircle{100 + i, 90, 80 + i}, redPen);
-        canvas.picture(photograph, SelectionCircle{200 - i, 90, 60 - i}, redPen);
+        // Twice each: the overlay keeps two pictures, and the circle must leave either.
+        overlay.picture(photograph, SelectionCircle{100 + i, 90, 80 + i}, redPen);
+        overlay.picture(photograph, SelectionCircle{200 - i, 90, 60 - i}, redPen);
         for (int picture = 0; picture < 2; ++picture)
             QCOMPARE(
-                difference(canvas.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
+                difference(overlay.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
                 QString());
     }
 }
 
-void tst_CircleCanvas::noticesANewPhotograph()
+void tst_CircleOverlay::noticesANewPhotograph()
 {
-    CircleCanvas canvas;
+    CircleOverlay overlay;
     const SelectionCircle circle{50, 50, 30};
     for (const QSize size : {QSize(100, 100), QSize(100, 100), QSize(90, 120)}) {
         const QImage photograph = noise(size.width(), size.height(), QImage::Format_RGB32);
         for (int i = 0; i < 3; ++i)
-            QCOMPARE(difference(canvas.picture(photograph, circle, redPen),
+            QCOMPARE(difference(overlay.picture(photograph, circle, redPen),
                                 uncachedPicture(photograph, circle, redPen)),
                      QString());
     }
 }
 
-void tst_CircleCanvas::noticesAnEditedPhotograph()
+void tst_CircleOverlay::noticesAnEditedPhotograph()
 {
     QImage photograph = noise(100, 100, QImage::Format_RGB32);
-    CircleCanvas canvas;
-    canvas.picture(photograph, std::nullopt, redPen);
+    CircleOverlay overlay;
+    overlay.picture(photograph, std::nullopt, redPen);
     photograph.fill(Qt::blue);
-    QCOMPARE(difference(canvas.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
+    QCOMPARE(difference(overlay.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
              QString());
 }
 
-void tst_CircleCanvas::leavesEarlierPixmapsAlone()
+void tst_CircleOverlay::leavesEarlierPixmapsAlone()
 {
     // The label keeps only the newest pixmap, but whoever keeps an older one must not see it change.
     const QImage photograph = noise(100, 100, QImage::Format_RGB32);
-    CircleCanvas canvas;
+    CircleOverlay overlay;
     QVector<QPixmap> pixmaps;
     for (int radius = 10; radius < 20; ++radius)
-        pixmaps.append(canvas.picture(photograph, SelectionCircle{50, 50, radius}, redPen));
+        pixmaps.append(overlay.picture(photograph, SelectionCircle{50, 50, radius}, redPen));
     for (int radius = 10; radius < 20; ++radius)
         QCOMPARE(difference(pixmaps[radius - 10],
                             uncachedPicture(photograph, SelectionCircle{50, 50, radius}, redPen)),
                  QString());
 }
 
-void tst_CircleCanvas::leavesThePhotographAlone()
+void tst_CircleOverlay::leavesThePhotographAlone()
 {
     for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32}) {
         const QImage photograph = noise(100, 100, format, 2);
         const QImage before = photograph.copy();
-        CircleCanvas canvas;
+        CircleOverlay overlay;
         for (int radius = 10; radius < 14; ++radius)
-            canvas.picture(photograph, SelectionCircle{50, 50, radius}, redPen);
+            overlay.picture(photograph, SelectionCircle{50, 50, radius}, redPen);
         QCOMPARE(photograph, before);
     }
 }
 
-void tst_CircleCanvas::keepsOrDropsTheAlphaChannelAsTheUncachedPicture()
+void tst_CircleOverlay::keepsOrDropsTheAlphaChannelAsTheUncachedPicture()
 {
     // One pixel that is not opaque, off the circle at first, then painted over, then free again.
     QImage photograph(100, 100, QImage::Format_ARGB32);
     photograph.fill(Qt::gray);
     photograph.setPixel(70, 40, qRgba(1, 2, 3, 128));
-    CircleCanvas canvas;
+    CircleOverlay overlay;
     for (const int x : {30, 50, 30, 50, 50, 10}) {
         const SelectionCircle circle{x, 40, 20};
-        const QPixmap picture = canvas.picture(photograph, circle, redPen);
+        const QPixmap picture = overlay.picture(photograph, circle, redPen);
         QCOMPARE(picture.hasAlphaChannel(), x != 50);
         QCOMPARE(difference(picture, uncachedPicture(photograph, circle, redPen)), QString());
     }
 }
 
-void tst_CircleCanvas::looksAtPixelsOnly()
+void tst_CircleOverlay::looksAtPixelsOnly()
 {
     // A file called photo@2x.jpg loads with a device pixel ratio of 2; the circle counts in its pixels all
     // the same.
     QImage photograph = noise(100, 100, QImage::Format_RGB32);
     const QPixmap expected = uncachedPicture(photograph, SelectionCircle{50, 50, 30}, redPen);
     photograph.setDevicePixelRatio(2.0);
-    CircleCanvas canvas;
+    CircleOverlay overlay;
     for (int i = 0; i < 3; ++i) {
-        const QPixmap picture = canvas.picture(photograph, SelectionCircle{50, 50, 30}, redPen);
+        const QPixmap picture = overlay.picture(photograph, SelectionCircle{50, 50, 30}, redPen);
         QCOMPARE(picture.devicePixelRatio(), 1.0);
         QCOMPARE(difference(picture, expected), QString());
     }
 }
 
-void tst_CircleCanvas::drawsHostileCirclesToo()
+void tst_CircleOverlay::drawsHostileCirclesToo()
 {
     const QImage photograph = noise(60, 50, QImage::Format_ARGB32, 2);
-    CircleCanvas canvas;
+    CircleOverlay overlay;
     QRandomGenerator random(20);
     const auto anyInt = [&random] { return static_cast<int>(random.generate()) >> random.bounded(31); };
     for (int i = 0; i < 500; ++i) {
         const SelectionCircle circle{anyInt(), anyInt(), anyInt()};
         const CirclePen pen{Qt::red, anyInt(), Qt::DotLine};
         QCOMPARE(
-            difference(canvas.picture(photograph, circle, pen), uncachedPicture(photograph, circle, pen)),
+            difference(overlay.picture(photograph, circle, pen), uncachedPicture(photograph, circle, pen)),
             QString());
     }
     for (const int value : {INT_MIN, INT_MAX})
-        QCOMPARE(canvas.picture(photograph, SelectionCircle{value, value, value}, {Qt::red, value}).size(),
+        QCOMPARE(overlay.picture(photograph, SelectionCircle{value, value, value}, {Qt::red, value}).size(),
                  photograph.size());
 }
 
-void tst_CircleCanvas::startsAfreshWhenCleared()
+void tst_CircleOverlay::startsAfreshWhenCleared()
 {
     const QImage photograph = noise(60, 50, QImage::Format_RGB32);
-    CircleCanvas canvas;
+    CircleOverlay overlay;
     for (int i = 0; i < 3; ++i) {
-        canvas.picture(photograph, SelectionCircle{30, 25, 20 + i}, redPen);
-        canvas.clear();
-        QCOMPARE(difference(canvas.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
-                 QString());
+        overlay.picture(photograph, SelectionCircle{30, 25, 20 + i}, redPen);
+        overlay.clear();
+        QCOMPARE(
+            difference(overlay.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
+            QString());
     }
 }
 
-QTEST_MAIN(tst_CircleCanvas)
-#include "tst_circlecanvas.moc"
+QTEST_MAIN(tst_CircleOverlay)
+#include "tst_circleoverlay.moc"
