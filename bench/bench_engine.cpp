@@ -23,6 +23,8 @@
 #include <hwy/targets.h>
 #endif
 
+using namespace projection;
+
 namespace
 {
 
@@ -61,22 +63,12 @@ QString vectorTarget()
 QImage kernelMap(const BenchCase &c)
 {
     const MapParameters &p = c.parameters;
-    const OutputRatio ratio = outputRatio(c.photograph.size(), c.mapSize());
-    PerspectiveParameters view;
-    view.centerX = p.centerX;
-    view.centerY = p.centerY;
-    view.radius = p.radius;
-    view.distance = p.distance;
-    view.ratioX = ratio.x;
-    view.ratioY = ratio.y;
-    view.photographWidth = c.photograph.width();
-    view.photographHeight = c.photograph.height();
     QImage map = zeroedCanvas(c.mapSize());
     const int width = p.outputSizeX;
     const MapRotation mapRotation = {(columnShift(-p.azimuth, width) + width) % width, int(90 - p.latitude),
                                      (columnShift(p.longitude + 90, width) + width) % width};
-    paintComposedMap(NearSidedPerspective(view), photographView(c.photograph), mapRotation, width,
-                     p.outputSizeY, canvasView(map), [](int) {});
+    paintComposedMap(NearSidedPerspective(perspectiveParameters(p, c.photograph.size())),
+                     photographView(c.photograph), mapRotation, canvasView(map), [](int) {});
     return map;
 }
 

@@ -44,15 +44,7 @@ public:
     QSize mapSize() const { return {parameters.outputSizeX, parameters.outputSizeY}; }
     OutputRatio ratio() const { return outputRatio(photograph.size(), mapSize()); }
 
-    ConvertImage engine() const
-    {
-        ConvertImage result;
-        result.setCenter(parameters.centerX, parameters.centerY);
-        result.setRadius(parameters.radius);
-        result.setDistance(parameters.distance);
-        result.setOutputRatio(ratio().x, ratio().y);
-        return result;
-    }
+    ConvertImage engine() const { return ConvertImage(perspectiveParameters(parameters, photograph.size())); }
     reference::Globe globe() const
     {
         const MapParameters &p = parameters;

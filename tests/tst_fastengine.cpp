@@ -25,6 +25,8 @@
 #include <hwy/targets.h>
 #endif
 
+using namespace projection;
+
 namespace
 {
 
@@ -63,7 +65,7 @@ public:
     }
     Q_DISABLE_COPY_MOVE(ForcedWay)
 
-    ApproximateSources *approximate() const
+    ApproximateSources approximate() const
     {
         return m_scalar ? approximateSourcesScalar : approximateSources;
     }
@@ -127,22 +129,13 @@ QImage composedWithScalars(const Case &c)
     if (!azimuthDraws || !longitudeDraws || p.latitude == 90)
         return {};
     const QImage photograph = c.photograph;
-    PerspectiveParameters view;
-    view.centerX = p.centerX;
-    view.centerY = p.centerY;
-    view.radius = p.radius;
-    view.distance = p.distance;
-    view.ratioX = outputRatio(photograph.size(), {width, p.outputSizeY}).x;
-    view.ratioY = outputRatio(photograph.size(), {width, p.outputSizeY}).y;
-    view.photographWidth = photograph.width();
-    view.photographHeight = photograph.height();
     QImage map(width, p.outputSizeY, QImage::Format_ARGB32_Premultiplied);
     map.fill(Qt::transparent);
     const MapRotation mapRotation = {(azimuthShift + width) % width, int(90 - p.latitude),
                                      (longitudeShift + width) % width};
     const bool covered = paintComposedMap(
-        NearSidedPerspective(view), photographView(photograph), mapRotation, width, p.outputSizeY,
-        canvasView(map), [](int) {}, approximateSourcesScalar);
+        NearSidedPerspective(perspectiveParameters(p, photograph.size())), photographView(photograph),
+        mapRotation, canvasView(map), [](int) {}, approximateSourcesScalar);
     return covered ? map : QImage();
 }
 
@@ -214,9 +207,8 @@ struct Tally {
 class ExactRows
 {
 public:
-    ExactRows(int angle, QSize size) : m_rotation(3, angle, size.width(), size.height()), m_mirror(m_rotation)
-    {
-    }
+    ExactRows(int angle, QSize size) : m_mirror(SphereRotation(3, angle, size.width(), size.height())) {}
+    Q_DISABLE_COPY_MOVE(ExactRows)
 
     void moveTo(int y)
     {
@@ -229,7 +221,7 @@ public:
 
     /// Approximates the row in pieces.
     /// @param boundFactor  on all error bounds
-    Tally tally(ApproximateSources *approximate, double boundFactor = 1) const
+    Tally tally(ApproximateSources approximate, double boundFactor = 1) const
     {
         ApproxScale scale(m_rotation.width(), m_rotation.height());
         scale.columnErrorBound *= float(boundFactor);
@@ -265,8 +257,8 @@ private:
     }
     static bool same(MapPosition a, MapPosition b) { return a.column == b.column && a.row == b.row; }
 
-    SphereRotation m_rotation;
     MirroredColumns m_mirror;
+    const SphereRotation &m_rotation = m_mirror.rotation();
     RotatedRow m_row{};
     QVector<QPair<MapPosition, MapPosition>> m_positions;
 };
@@ -664,21 +656,22 @@ void tst_FastEngine::rotatesAsTheReference()
 
 void tst_FastEngine::leavesWhatItDoesNotCover()
 {
-    PerspectiveParameters view;
-    view.radius = 10;
-    view.photographWidth = 20;
-    view.photographHeight = 20;
+    PerspectiveParameters parameters;
+    parameters.radius = 10;
+    parameters.photographWidth = 20;
+    parameters.photographHeight = 20;
     Chance chance(31);
     const QImage photograph = noise(chance, {20, 20}, Alpha::Opaque);
     const ConstImageView pixels = {reinterpret_cast<const quint32 *>(photograph.constBits()), 20, 20, 20,
                                    0xff000000U};
     const auto covers = [&](QSize size, int radius) {
-        view.radius = radius;
-        view.ratioX = size.width() / 20.0;
-        view.ratioY = size.height() / 40.0;
+        parameters.radius = radius;
+        parameters.ratioX = size.width() / 20.0;
+        parameters.ratioY = size.height() / 40.0;
         QVector<quint32> canvas(size.width() * size.height());
-        const bool covered = paintComposedMap(NearSidedPerspective(view), pixels, {0, 55, 0}, size.width(),
-                                              size.height(), {canvas.data(), size.width()}, [](int) {});
+        const bool covered =
+            paintComposedMap(NearSidedPerspective(parameters), pixels, {0, 55, 0},
+                             {canvas.data(), size.width(), size.width(), size.height()}, [](int) {});
         return covered || std::count(canvas.begin(), canvas.end(), 0U) != canvas.size();
     };
     QVERIFY(covers({64, 32}, 10));
@@ -691,13 +684,13 @@ void tst_FastEngine::leavesWhatItDoesNotCover()
 
 void tst_FastEngine::tellsEveryRowOnceAndInOrder()
 {
-    PerspectiveParameters view;
-    view.radius = 10;
-    view.centerX = view.centerY = 10;
-    view.photographWidth = view.photographHeight = 20;
-    view.ratioX = 64 / 20.0;
-    view.ratioY = 100 / 40.0;
-    const NearSidedPerspective perspective(view);
+    PerspectiveParameters parameters;
+    parameters.radius = 10;
+    parameters.centerX = parameters.centerY = 10;
+    parameters.photographWidth = parameters.photographHeight = 20;
+    parameters.ratioX = 64 / 20.0;
+    parameters.ratioY = 100 / 40.0;
+    const NearSidedPerspective perspective(parameters);
     QVector<quint32> photograph(400, 0xffffffffU);
     QVector<quint32> canvas(64 * 100);
     QVector<int> told;
@@ -705,11 +698,11 @@ void tst_FastEngine::tellsEveryRowOnceAndInOrder()
         told.append(rows);
         canvas.fill(0xff00ff00U); // what an event does to the canvas must not be read again
     };
-    QVERIFY(paintComposedMap(perspective, {photograph.data(), 20, 20, 20, 0xff000000U}, {0, 55, 0}, 64, 100,
-                             {canvas.data(), 64}, rowsOnceTold));
+    QVERIFY(paintComposedMap(perspective, {photograph.data(), 20, 20, 20, 0xff000000U}, {0, 55, 0},
+                             {canvas.data(), 64, 64, 100}, rowsOnceTold));
     QVERIFY(told.size() > 1);
     QVERIFY(std::is_sorted(told.begin(), told.end()));
-    QCOMPARE(told.last(), 50 - int(perspective.firstRow()));
+    QCOMPARE(told.last(), 50 - int(perspective.edgeRow()));
     QCOMPARE(canvas.count(0xff00ff00U), canvas.size());
 }
 

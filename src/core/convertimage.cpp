@@ -1,6 +1,6 @@
 #include "convertimage.h"
 
-#include "nearsidedperspective.h"
+#include "discsampler.h"
 #include "qimageview.h"
 #include "rotatedmap.h"
 
@@ -9,6 +9,8 @@
 #include <QDebug>
 #include <QImage>
 #include <QPainter>
+
+using namespace projection;
 
 namespace
 {
@@ -24,7 +26,7 @@ void copyPixel(const QImage &src, qint64 sx, qint64 sy, QImage &dst, int x, int 
 /// have made somebody share them.
 /// @param directions  of all columns, or none if there are too many
 void paintRow(const NearSidedPerspective &perspective, const QImage &src,
-              const std::vector<Direction> &directions, double rho, QImage &dst, int y)
+              const std::vector<CosineSine> &directions, double rho, QImage &dst, int y)
 {
     const bool straight = src.format() == QImage::Format_ARGB32 || src.format() == QImage::Format_RGB32;
     if (straight && dst.format() == QImage::Format_ARGB32_Premultiplied && !directions.empty()) {
@@ -33,7 +35,7 @@ void paintRow(const NearSidedPerspective &perspective, const QImage &src,
         return;
     }
     for (int x = 0; x < dst.width(); ++x) {
-        const Sample sample =
+        const SamplePosition sample =
             sampleAnywhere(perspective.parameters(), perspective.direction(x, dst.width()), rho);
         copyPixel(src, sample.x, sample.y, dst, x, y);
     }
@@ -41,46 +43,42 @@ void paintRow(const NearSidedPerspective &perspective, const QImage &src,
 
 } // namespace
 
+ConvertImage::ConvertImage(const projection::PerspectiveParameters &parameters) : m_parameters(parameters)
+{
+}
+
 void ConvertImage::setCenter(int x, int y)
 {
-    centerX = x;
-    centerY = y;
+    m_parameters.centerX = x;
+    m_parameters.centerY = y;
 }
 
 void ConvertImage::setRadius(int r)
 {
-    radius = r;
+    m_parameters.radius = r;
 }
 
 void ConvertImage::setDistance(double d)
 {
-    distance = d;
+    m_parameters.distance = d;
 }
 
 void ConvertImage::setOutputRatio(double rx, double ry)
 {
-    ratioX = rx;
-    ratioY = ry;
+    m_parameters.ratioX = rx;
+    m_parameters.ratioY = ry;
 }
 
 void ConvertImage::convertImage(QImage &src, QImage &dst)
 {
-    PerspectiveParameters parameters;
-    parameters.centerX = centerX;
-    parameters.centerY = centerY;
-    parameters.radius = radius;
-    parameters.distance = distance;
-    parameters.ratioX = ratioX;
-    parameters.ratioY = ratioY;
-    parameters.margin = margin;
+    PerspectiveParameters parameters = m_parameters;
     parameters.photographWidth = src.width();
     parameters.photographHeight = src.height();
-
     const NearSidedPerspective perspective(parameters);
-    const std::vector<Direction> directions = perspective.directions(dst.width());
+    const std::vector<CosineSine> directions = perspective.directions(dst.width());
     const int half = dst.height() / 2;
     qint64 errors = 0;
-    for (qint64 k = perspective.firstRow(); perspective.hasRow(k); ++k) {
+    for (qint64 k = perspective.edgeRow(); perspective.hasRow(k); ++k) {
         const double rho = perspective.radius(k);
         if (half <= k)
             errors += countRowSamples(perspective, rho, dst.width());

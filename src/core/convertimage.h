@@ -1,5 +1,7 @@
 #pragma once
 
+#include "nearsidedperspective.h"
+
 class QImage;
 
 /// The projection engine: paints a photographed globe into an equirectangular map and re-centres that map.
@@ -9,6 +11,10 @@ class QImage;
 class ConvertImage
 {
 public:
+    ConvertImage() = default;
+    /// All parameters at once; the size of the photograph is taken from the photograph.
+    explicit ConvertImage(const projection::PerspectiveParameters &parameters);
+
     /// Centre of the disc in the photograph, in pixels; y grows downwards. Any int; 0, 0 at construction.
     void setCenter(int x, int y);
     /// Radius of the disc in photograph pixels. Any int; 0 at construction.
@@ -46,11 +52,5 @@ public:
     void moveImage(double angle, QImage &src, QImage &dst);
 
 private:
-    double margin = 0.01; // safety margin at the visible edge, as a fraction of the rows of 90 degrees
-    double ratioX = 2.0;
-    double ratioY = 2.0;
-    double distance = 100.0;
-    int radius = 0;
-    int centerX = 0;
-    int centerY = 0;
+    projection::PerspectiveParameters m_parameters;
 };

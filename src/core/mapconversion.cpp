@@ -18,6 +18,21 @@ OutputRatio outputRatio(QSize photographSize, QSize outputSize)
             outputSize.height() * 0.5 / photographSize.height()};
 }
 
+projection::PerspectiveParameters perspectiveParameters(const MapParameters &parameters, QSize photographSize)
+{
+    const OutputRatio ratio = outputRatio(photographSize, {parameters.outputSizeX, parameters.outputSizeY});
+    projection::PerspectiveParameters result;
+    result.centerX = parameters.centerX;
+    result.centerY = parameters.centerY;
+    result.radius = parameters.radius;
+    result.distance = parameters.distance;
+    result.ratioX = ratio.x;
+    result.ratioY = ratio.y;
+    result.photographWidth = photographSize.width();
+    result.photographHeight = photographSize.height();
+    return result;
+}
+
 namespace
 {
 
@@ -44,53 +59,47 @@ QImage argbPhotograph(const QImage &photograph)
                                                                    : QImage::Format_RGB32);
 }
 
-/// The number of columns that a rotation by this angle moves the map, as the operations do it; nothing where they
-/// draw an empty or an incomplete map.
+/// The number of columns that a rotation by this angle moves the map, as the operations do it; nothing where
+/// they draw an empty or an incomplete map.
 std::optional<int> cyclicShift(double angleDeg, int width)
 {
     if (angleDeg == 0.0)
         return 0;
-    const int shift = columnShift(angleDeg, width);
+    const int shift = projection::columnShift(angleDeg, width);
     if (shift == 0 || shift > width || shift < -width)
         return {};
     return shift < 0 ? shift + width : shift % width;
 }
 
-/// The whole chain in one pass. Events are handled between the rows of the map, as often as the projection step
-/// would.
-/// @return null where the kernels do not cover it
-QImage composedMap(const QImage &photograph, const MapParameters &parameters)
+/// How the chain rotates its map; nothing where only the operations do it right.
+std::optional<projection::MapRotation> composedRotation(const MapParameters &parameters)
 {
-    const int width = parameters.outputSizeX;
-    const int height = parameters.outputSizeY;
-    const std::optional<int> azimuthShift = cyclicShift(-parameters.azimuth, width);
-    const std::optional<int> longitudeShift = cyclicShift(parameters.longitude + 90, width);
+    const std::optional<int> azimuthShift = cyclicShift(-parameters.azimuth, parameters.outputSizeX);
+    const std::optional<int> longitudeShift = cyclicShift(parameters.longitude + 90, parameters.outputSizeX);
     if (!azimuthShift || !longitudeShift || 90 - parameters.latitude == 0.0)
         return {};
+    return projection::MapRotation{*azimuthShift, projection::truncateToInt(90 - parameters.latitude),
+                                   *longitudeShift};
+}
 
-    const OutputRatio ratio = outputRatio(photograph.size(), {width, height});
-    PerspectiveParameters view;
-    view.centerX = parameters.centerX;
-    view.centerY = parameters.centerY;
-    view.radius = parameters.radius;
-    view.distance = parameters.distance;
-    view.ratioX = ratio.x;
-    view.ratioY = ratio.y;
-    view.photographWidth = photograph.width();
-    view.photographHeight = photograph.height();
-    const NearSidedPerspective perspective(view);
-
-    const MapRotation mapRotation = {*azimuthShift, truncateToInt(90 - parameters.latitude), *longitudeShift};
-    QImage map = transparentCanvas({width, height});
-    if (map.isNull())
+/// The whole chain in one pass. Events are handled between the rows of the map, as often as the projection
+/// step would.
+/// @return nothing where this way does not cover the parameters; a null image when there is no memory
+std::optional<QImage> composedMap(const QImage &photograph, const MapParameters &parameters)
+{
+    const std::optional<projection::MapRotation> rotation = composedRotation(parameters);
+    if (!rotation)
         return {};
+    QImage map = transparentCanvas({parameters.outputSizeX, parameters.outputSizeY});
+    if (map.isNull())
+        return map;
     int handled = 0;
-    const auto handleEvents = [&](int globeRows) {
-        for (; handled < globeRows; ++handled)
+    const auto handleEvents = [&](int projectedRows) {
+        for (; handled < projectedRows; ++handled)
             QCoreApplication::processEvents();
     };
-    if (!paintComposedMap(perspective, photographView(photograph), mapRotation, width, height,
-                          canvasView(map), handleEvents))
+    const projection::NearSidedPerspective perspective(perspectiveParameters(parameters, photograph.size()));
+    if (!paintComposedMap(perspective, photographView(photograph), *rotation, canvasView(map), handleEvents))
         return {};
     qDebug() << "Convert error " << qint64(0); // no row of the chain lies above its map
     return map;
@@ -103,13 +112,7 @@ QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthCanvas 
     QImage map = transparentCanvas(size);
     if (map.isNull())
         return {};
-
-    const OutputRatio ratio = outputRatio(source.size(), size);
-    ConvertImage engine;
-    engine.setCenter(parameters.centerX, parameters.centerY);
-    engine.setRadius(parameters.radius);
-    engine.setDistance(parameters.distance);
-    engine.setOutputRatio(ratio.x, ratio.y);
+    ConvertImage engine(perspectiveParameters(parameters, source.size()));
     engine.convertImage(source, map);
 
     if (parameters.azimuth != 0.0) {
@@ -127,7 +130,7 @@ QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthCanvas 
         QImage tilted = transparentCanvas(size);
         if (tilted.isNull())
             return {};
-        engine.rotateImage(3, truncateToInt(90 - parameters.latitude), map, tilted);
+        engine.rotateImage(3, projection::truncateToInt(90 - parameters.latitude), map, tilted);
         map = tilted;
     }
     if (parameters.longitude + 90 != 0.0) {
@@ -150,9 +153,8 @@ QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthC
     if (source.isNull())
         return {};
     if (parameters.azimuth == 0.0 || azimuthCanvas == AzimuthCanvas::Transparent) {
-        const QImage map = composedMap(source, parameters);
-        if (!map.isNull())
-            return map;
+        if (const std::optional<QImage> map = composedMap(source, parameters))
+            return *map;
     }
     return chainedMap(source, parameters, azimuthCanvas);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "nearsidedperspective.h"
+
 #include <QImage>
 
 /// Everything that turns a photograph into a finished map. Any value is allowed; none is clamped.
@@ -27,11 +29,17 @@ struct OutputRatio {
 /// @param photographSize  at least 1 x 1
 OutputRatio outputRatio(QSize photographSize, QSize outputSize);
 
+/// The parameters of the projection step: where the disc lies, and the output ratios of the sizes.
+/// @param photographSize  at least 1 x 1
+projection::PerspectiveParameters perspectiveParameters(const MapParameters &parameters,
+                                                        QSize photographSize);
+
 /// The whole chain: globe to map, azimuth, latitude, longitude. Handles events while it runs; reads nothing
 /// but its own copies of its arguments, so whatever an event changes does no harm.
 /// @param photograph  any format; null gives a null map; not read any more once events are handled
 /// @param parameters  any values; an azimuth or a longitude that is no number leaves the map blank
 /// @return a map of the output size, premultiplied 32 bits, transparent where nothing was painted; null
-///         when a canvas cannot be allocated (also for sizes of 0 or less) or the azimuth step had none
+///         when a canvas cannot be allocated (also for sizes of 0 or less), or when the azimuth step emptied the map
+///         and no later step brings a canvas
 QImage convertToMap(const QImage &photograph, MapParameters parameters,
                     AzimuthCanvas azimuthCanvas = AzimuthCanvas::Transparent);

@@ -35,7 +35,7 @@ PictureScale::PictureScale(QSize widget, QSize picture, bool fitted) : m_picture
 
 int PictureScale::toPicture(int widgetCoordinate) const
 {
-    return truncateToInt(widgetCoordinate * m_widgetToPicture);
+    return projection::truncateToInt(widgetCoordinate * m_widgetToPicture);
 }
 
 QPoint PictureScale::toPicture(QPoint widgetPosition) const
@@ -54,6 +54,6 @@ PictureDrag PictureScale::drag(QPoint press, QPoint position) const
 
 QRectF PictureScale::fittedRectangle() const
 {
-    return {0.0, 0.0, static_cast<double>(truncateToInt(m_picture.width() * m_pictureToWidget)),
-            static_cast<double>(truncateToInt(m_picture.height() * m_pictureToWidget))};
+    return {0.0, 0.0, static_cast<double>(projection::truncateToInt(m_picture.width() * m_pictureToWidget)),
+            static_cast<double>(projection::truncateToInt(m_picture.height() * m_pictureToWidget))};
 }

@@ -186,7 +186,7 @@ SelectionCircle defaultCircle(QSize photograph)
 {
     const int x = photograph.width() / 2;
     const int y = photograph.height() / 2;
-    return {x, y, truncateToInt(std::min(x, y) * 0.98)};
+    return {x, y, projection::truncateToInt(std::min(x, y) * 0.98)};
 }
 
 SelectionCircle stepped(const SelectionCircle &circle, int dx, int dy, int dRadius)

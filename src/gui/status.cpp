@@ -21,7 +21,7 @@ void Status::setCur(int i)
 {
     current = i;
     // Divided first: 29 of 100 are 28.999999999999996, shown as 28 percent.
-    ui->progStatus->setValue(truncateToInt(static_cast<double>(current) / maximum * 100));
+    ui->progStatus->setValue(projection::truncateToInt(static_cast<double>(current) / maximum * 100));
     ui->lblCount->setText(QString::number(current) + QStringLiteral(" / ") + QString::number(maximum));
 }
 

@@ -14,6 +14,8 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
+namespace projection
+{
 namespace HWY_NAMESPACE
 {
 
@@ -33,7 +35,7 @@ HWY_INLINE Vector arcTangents(Vector t)
     return hn::Mul(t, sum);
 }
 
-HWY_INLINE Vector fromWhole(Vector v)
+HWY_INLINE Vector distanceFromWhole(Vector v)
 {
     return hn::Abs(hn::Sub(v, hn::Round(v)));
 }
@@ -57,15 +59,15 @@ void approximate(const ApproxScale &scale, const RotatedRow &row, const float *H
         const auto r = hn::Sqrt(hn::MulAdd(x, x, hn::Mul(y, y)));
         const auto halfColumns = hn::Mul(arcTangents(hn::Min(hn::Div(hn::Abs(y), hn::Add(r, x)), one)),
                                          hn::Set(d, scale.halfColumnsPerHalfAngle));
-        const auto rows = hn::Mul(arcTangents(hn::Min(hn::Div(r, hn::Add(one, hn::Abs(z))), one)),
-                                  hn::Set(d, scale.rowsPerHalfAngle));
+        const auto poleRows = hn::Mul(arcTangents(hn::Min(hn::Div(r, hn::Add(one, hn::Abs(z))), one)),
+                                      hn::Set(d, scale.poleRowsPerHalfAngle));
         const auto relativeErrorBound = hn::Set(d, scale.relativeErrorBound);
         const auto columnMargin =
-            hn::Mul(hn::NegMulAdd(relativeErrorBound, halfColumns, fromWhole(halfColumns)), r);
-        const auto rowMargin = hn::NegMulAdd(relativeErrorBound, rows, fromWhole(rows));
+            hn::Mul(hn::NegMulAdd(relativeErrorBound, halfColumns, distanceFromWhole(halfColumns)), r);
+        const auto rowMargin = hn::NegMulAdd(relativeErrorBound, poleRows, distanceFromWhole(poleRows));
         const auto certain = hn::And(hn::And(hn::Gt(columnMargin, hn::Set(d, scale.columnErrorBound)),
                                              hn::Gt(rowMargin, hn::Set(d, scale.rowErrorBound))),
-                                     hn::Ge(rows, hn::Set(d, scale.firstRow)));
+                                     hn::Ge(poleRows, hn::Set(d, scale.leastPoleRow)));
         if (HWY_UNLIKELY(!hn::AllTrue(d, certain))) {
             uint8_t bits[8 + ApproxSources::padding / 8]; // at least 8 are written
             hn::StoreMaskBits(d, certain, bits);
@@ -74,7 +76,7 @@ void approximate(const ApproxScale &scale, const RotatedRow &row, const float *H
                     out.uncertain[uncertainCount++] = i + lane;
         }
         const auto wholeHalves = hn::ConvertTo(di, hn::IfThenElseZero(certain, halfColumns));
-        const auto wholeRows = hn::ConvertTo(di, hn::IfThenElseZero(certain, rows));
+        const auto wholePoleRows = hn::ConvertTo(di, hn::IfThenElseZero(certain, poleRows));
         const auto column = hn::ShiftRight<1>(wholeHalves);
         const auto yNegative = hn::RebindMask(di, hn::Lt(y, hn::Zero(d)));
         const auto zNegative = hn::RebindMask(di, hn::Lt(z, hn::Zero(d)));
@@ -82,15 +84,20 @@ void approximate(const ApproxScale &scale, const RotatedRow &row, const float *H
         hn::StoreU(hn::ShiftRight<1>(hn::IfThenElse(yNegative, hn::Add(width1, wholeHalves),
                                                     hn::Sub(lastColumn, wholeHalves))),
                    di, out.mirroredColumns + i);
-        hn::StoreU(hn::IfThenElse(zNegative, wholeRows, hn::Sub(lastRow, wholeRows)), di, out.rows + i);
+        hn::StoreU(hn::IfThenElse(zNegative, wholePoleRows, hn::Sub(lastRow, wholePoleRows)), di,
+                   out.rows + i);
     }
     out.uncertainCount = uncertainCount;
 }
 
 } // namespace HWY_NAMESPACE
+} // namespace projection
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE
+namespace projection
+{
+
 HWY_EXPORT(approximate);
 
 void approximateSources(const ApproxScale &scale, const RotatedRow &row, const float *cosines,
@@ -98,6 +105,8 @@ void approximateSources(const ApproxScale &scale, const RotatedRow &row, const f
 {
     HWY_DYNAMIC_DISPATCH(approximate)(scale, row, cosines, sines, count, out);
 }
+
+} // namespace projection
 #endif
 
 #endif // OVMIC_HIGHWAY

@@ -1,5 +1,8 @@
 #pragma once
 
+namespace projection
+{
+
 /// Coefficients of atan(t) = t * (c0 + c1 * t^2 + ... + c8 * t^16) on 0 .. 1: the polynomial of least
 /// relative error, 1.5e-8 in exact arithmetic, found with the exchange algorithm of Remez.
 constexpr float arcTangentCoefficients[] = {
@@ -17,3 +20,5 @@ inline float arcTangent(float t)
         sum = sum * square + arcTangentCoefficients[i];
     return t * sum;
 }
+
+} // namespace projection

@@ -1,9 +1,13 @@
 #pragma once
 
 #include "approxrotation.h"
+#include "imageview.h"
 #include "nearsidedperspective.h"
 
 #include <functional>
+
+namespace projection
+{
 
 /// How the work map becomes the finished map: moved right by `azimuthShift` columns, rotated, moved right by
 /// `longitudeShift` columns. Shifts are cyclic, 0 .. W - 1.
@@ -15,11 +19,14 @@ struct MapRotation {
 
 /// The chain in one pass: for each pixel of the finished map the pixel of the photograph, with no map in
 /// between.
-/// @param canvas    W x H pixels, transparent black
-/// @param progress  told between rows how many rows of the projection step, of those that it paints, are worked off
-///                  by now; ends with all of them
-/// @return false, and nothing is painted, for what the kernels do not cover; the operations one after the other do it then
+/// @param canvas    the finished map, W x H pixels, transparent black
+/// @param progress  told between rows how many rows of the projection step, of those that it paints, are worked
+///                  off by now; ends with all of them
+/// @return false, and nothing is painted, for what this way does not cover: odd widths, sides of more than
+///         longestAngleTable pixels, samples without bounds. The operations one after the other do it then.
 bool paintComposedMap(const NearSidedPerspective &perspective, const ConstImageView &photograph,
-                      const MapRotation &mapRotation, int width, int height, const ImageView &canvas,
+                      const MapRotation &mapRotation, const ImageView &canvas,
                       const std::function<void(int)> &progress,
-                      ApproximateSources *approximate = approximateSources);
+                      ApproximateSources approximate = approximateSources);
+
+} // namespace projection

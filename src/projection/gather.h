@@ -3,6 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace projection
+{
+
 /// Asks the cache for a pixel that will be read soon. Any address is allowed.
 inline void prefetch(const uint32_t *pixel)
 {
@@ -72,3 +75,5 @@ private:
     GatherBatch m_batches[2];
     int m_filling = 0;
 };
+
+} // namespace projection

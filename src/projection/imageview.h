@@ -3,6 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace projection
+{
+
 // Images without an image class: pointers and sizes of 32-bit pixels that somebody else owns. A stride counts
 // pixels from one row to the next.
 
@@ -22,3 +25,5 @@ struct ImageView {
     int width = 0;
     int height = 0;
 };
+
+} // namespace projection

@@ -2,6 +2,9 @@
 
 #include <cstdint>
 
+namespace projection
+{
+
 /// Integer part of a double, toward zero, with a result for every input.
 /// @return the truncated value; -2147483648 for NaN and for everything whose integer part fits no int. The
 ///         plain conversion is undefined there; this is what the x86-64 instruction answers.
@@ -15,3 +18,5 @@ constexpr int wrapToInt16(int value)
 {
     return static_cast<int16_t>(static_cast<uint16_t>(value));
 }
+
+} // namespace projection

@@ -2,6 +2,9 @@
 
 #include <cstdint>
 
+namespace projection
+{
+
 /// A straight ARGB pixel as a premultiplied canvas stores it: each colour channel c with alpha a becomes
 /// (2 * c * a + 255) / 510 in whole numbers, which is c * a / 255 rounded to nearest; alpha stays. This is
 /// what QImage::setPixelColor writes for the colour of an ARGB32 pixel, for every c and a (qPremultiply and
@@ -16,3 +19,5 @@ constexpr uint32_t premultiplied(uint32_t argb)
     green = (green + (green >> 8)) & 0x0000ff00U;
     return (argb & 0xff000000U) | redBlue | green;
 }
+
+} // namespace projection

@@ -4,6 +4,9 @@
 
 #include <limits>
 
+namespace projection
+{
+
 namespace
 {
 
@@ -11,28 +14,31 @@ namespace
 class MapSource
 {
 public:
-    MapSource(const SphereRotation &rotation, const MirroredColumns &mirror, std::ptrdiff_t stride)
-        : m_width(rotation.width())
-        , m_height(rotation.height())
-        , m_pairs{0, mirror.count()}
-        , m_stride(static_cast<int32_t>(stride))
+    MapSource(const SphereRotation &rotation, const ConstImageView &map)
+        : m_mirror(rotation), m_map(map), m_stride(static_cast<int32_t>(map.stride))
     {
     }
 
-    int firstRow() const { return 0; }
+    const MirroredColumns &mirror() const { return m_mirror; }
+    const uint32_t *pixels() const { return m_map.pixels; }
+    auto finish() const
+    {
+        return [](uint32_t pixel) { return pixel; };
+    }
+    Span pairs(int /*y*/) const { return {0, m_mirror.count()}; }
+    int topRow() const { return 0; }
     int32_t index(int column, int row) const { return row * m_stride + column; }
     int32_t exactIndex(MapPosition position) const
     {
-        const bool inside =
-            position.column >= 0 && position.column < m_width && position.row >= 0 && position.row < m_height;
+        const SphereRotation &rotation = m_mirror.rotation();
+        const bool inside = position.column >= 0 && position.column < rotation.width() && position.row >= 0 &&
+                            position.row < rotation.height();
         return inside ? index(position.column, position.row) : GatherBatch::none;
     }
-    Span pairs(int) const { return m_pairs; }
 
 private:
-    int m_width;
-    int m_height;
-    Span m_pairs;
+    MirroredColumns m_mirror;
+    ConstImageView m_map;
     int32_t m_stride;
 };
 
@@ -50,16 +56,14 @@ void paintExactly(const SphereRotation &rotation, const ConstImageView &map, con
 } // namespace
 
 void paintRotatedMap(const SphereRotation &rotation, const ConstImageView &map, const ImageView &canvas,
-                     ApproximateSources *approximate)
+                     ApproximateSources approximate)
 {
     const bool covered = MirroredColumns::cover(rotation.axis(), rotation.width(), rotation.height()) &&
                          map.stride * rotation.height() <= std::numeric_limits<int32_t>::max();
     if (!covered)
         return paintExactly(rotation, map, canvas);
-
-    const MirroredColumns mirror(rotation);
-    const MapSource kernel(rotation, mirror, map.stride);
-    const auto copied = [](uint32_t pixel) { return pixel; };
-    TiledRemap remap(rotation, mirror, 0, kernel, map.pixels, copied, canvas, approximate);
-    remap.paint([](int) {});
+    const MapSource source(rotation, map);
+    TiledRemap(source, 0, canvas, approximate).paint([](int) {});
 }
+
+} // namespace projection

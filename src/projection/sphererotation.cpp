@@ -1,9 +1,11 @@
 #include "sphererotation.h"
 
 #include "integers.h"
-#include "nearsidedperspective.h"
 
 #include <cmath>
+
+namespace projection
+{
 
 int columnShift(double angleDeg, int width)
 {
@@ -21,22 +23,20 @@ SphereRotation::SphereRotation(int axis, int angleDeg, int width, int height)
     , m_sine(std::sin(angleDeg * radiansPerDegree))
     , m_cosine(std::cos(angleDeg * radiansPerDegree))
 {
-    for (int x = 0; width <= largestTable && x < width; ++x)
+    for (int x = 0; width <= longestAngleTable && x < width; ++x)
         m_columns.push_back(columnAngle(x));
-    for (int y = 0; height <= largestTable && y < height; ++y)
+    for (int y = 0; height <= longestAngleTable && y < height; ++y)
         m_rows.push_back(rowAngle(y));
 }
 
 CosineSine SphereRotation::columnAngle(int x) const
 {
-    const double lambda = x * 360.0 / m_width * radiansPerDegree;
-    return {std::cos(lambda), std::sin(lambda)};
+    return cosineSine(x * 360.0 / m_width * radiansPerDegree);
 }
 
 CosineSine SphereRotation::rowAngle(int y) const
 {
-    const double theta = (y * 180.0 / m_height + (-90)) * radiansPerDegree;
-    return {std::cos(theta), std::sin(theta)};
+    return cosineSine((y * 180.0 / m_height + (-90)) * radiansPerDegree);
 }
 
 MapPosition SphereRotation::source(int x, int y) const
@@ -71,3 +71,5 @@ MapPosition SphereRotation::source(int x, int y) const
     // A direction on the axis has no longitude: NaN, which truncates to a column outside the map.
     return {truncateToInt(longitude * (m_width - 1) / 360), truncateToInt(colatitude * (m_height - 1) / 180)};
 }
+
+} // namespace projection

@@ -1,8 +1,13 @@
 #pragma once
 
+#include "angles.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <vector>
+
+namespace projection
+{
 
 /// A pixel of a map by column and row. May lie outside the map.
 struct MapPosition {
@@ -10,17 +15,13 @@ struct MapPosition {
     int row;
 };
 
-struct CosineSine {
-    double cosine;
-    double sine;
-};
-
 /// Columns by which a map moves to the right when its sphere is rotated about the polar axis.
 /// @param angleDeg  360 is taken off (or put on) once when it is larger than 360 (smaller than -360)
 /// @return toward zero; -2147483648 where that is no int
 int columnShift(double angleDeg, int width);
 
-/// Which pixel of a map the rotated map reads, in the doubles of the formulas: what everything faster is compared with.
+/// Which pixel of a map the rotated map reads, in the doubles of the formulas: what everything faster is
+/// compared with. Formulas: docs/projection.md, "Rotation".
 class SphereRotation
 {
 public:
@@ -28,7 +29,7 @@ public:
     /// @param angleDeg  whole degrees, any int
     /// @param width     of the map, pixels; 0 or less: no column
     /// @param height    of the map, pixels, at least 1
-    /// Sides of up to largestTable pixels have their sines and cosines in a table.
+    /// Sides of up to longestAngleTable pixels have their sines and cosines in a table.
     SphereRotation(int axis, int angleDeg, int width, int height);
 
     /// Where pixel (x, y) of the rotated map reads. A direction without longitude gives a column outside.
@@ -55,3 +56,5 @@ private:
     std::vector<CosineSine> m_columns;
     std::vector<CosineSine> m_rows;
 };
+
+} // namespace projection

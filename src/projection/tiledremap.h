@@ -5,8 +5,14 @@
 #include "imageview.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
+#include <type_traits>
+#include <utility>
 #include <vector>
+
+namespace projection
+{
 
 /// Column pairs from `begin` to before `end`; none when they are equal.
 struct Span {
@@ -14,37 +20,52 @@ struct Span {
     int end;
 };
 
-/// Paints the rows of a rotated map. A kernel answers which pixel each position of the map that is rotated
-/// shows; that map itself need not exist.
-/// @tparam Kernel
+/// What TiledRemap asks of the map that a rotation reads; that map itself need not exist.
+///
+///     const MirroredColumns &mirror() const         the rotation and its column pairs
+///     const uint32_t *pixels() const                what the indexes count
+///     auto finish() const                           a function from a pixel read to the map pixel
+///     Span pairs(int y) const                       pairs of a row of the rotated map that can show anything
+///     int topRow() const                            row of the map read, below which index() may be asked for
 ///     int32_t index(int column, int row) const      of a position that the approximation is certain of
 ///     int32_t exactIndex(MapPosition) const         of any position; GatherBatch::none outside
-///     Span pairs(int y) const                that can show anything at all
-///     int firstRow() const                          first row that index() may be asked for
-template <typename Kernel, typename Finish>
+template <typename Source>
+constexpr bool isRemapSource =
+    std::is_same_v<decltype(std::declval<const Source &>().mirror()), const MirroredColumns &>
+        &&std::is_same_v<decltype(std::declval<const Source &>().pixels()), const uint32_t *>
+            &&std::is_same_v<decltype(std::declval<const Source &>().finish()(0U)), uint32_t>
+                &&std::is_same_v<decltype(std::declval<const Source &>().pairs(0)), Span>
+                    &&std::is_same_v<decltype(std::declval<const Source &>().topRow()), int>
+                        &&std::is_same_v<decltype(std::declval<const Source &>().index(0, 0)), int32_t> &&
+                            std::is_same_v<decltype(std::declval<const Source &>().exactIndex(MapPosition{})),
+                                           int32_t>;
+
+/// Paints a rotated map: approximate positions where they are certain, exact ones elsewhere.
+template <typename Source>
 class TiledRemap
 {
+    static_assert(isRemapSource<Source>);
+    static_assert(GatherBatch::capacity <= ApproxSources::capacity, "a tile has to fit into both");
+
 public:
+    /// @param source       outlives this
     /// @param columnShift  the finished map is moved this far to the right, cyclically; 0 .. W - 1
-    /// @param pixels       what the indexes of the kernel count
-    /// @param canvas       the finished map
-    TiledRemap(const SphereRotation &rotation, const MirroredColumns &mirror, int columnShift,
-               const Kernel &kernel, const uint32_t *pixels, Finish finish, const ImageView &canvas,
-               ApproximateSources *approximate)
-        : m_rotation(rotation)
-        , m_mirror(mirror)
+    /// @param canvas       the finished map, at least of the size of the rotation
+    TiledRemap(const Source &source, int columnShift, const ImageView &canvas, ApproximateSources approximate)
+        : m_source(source)
+        , m_mirror(source.mirror())
+        , m_rotation(m_mirror.rotation())
         , m_columnShift(columnShift)
-        , m_kernel(kernel)
-        , m_scale(rotation.width(), rotation.height())
-        , m_gather(pixels, finish)
         , m_canvas(canvas)
         , m_approximate(approximate)
+        , m_scale(m_rotation.width(), m_rotation.height())
+        , m_gather(source.pixels(), source.finish())
         , m_tiles(tiles())
     {
-        m_scale.firstRow = static_cast<float>(kernel.firstRow());
+        m_scale.leastPoleRow = static_cast<float>(source.topRow());
     }
 
-    /// Paints rows top to before bottom, in bands, tile by tile: neighbouring rows read neighbouring pixels.
+    /// Paints from the top downwards in bands, each tile by tile: neighbouring rows read neighbouring pixels.
     /// @param rowsDone  told after each band how many rows of the map are finished
     template <typename RowsDone>
     void paint(RowsDone rowsDone)
@@ -62,7 +83,7 @@ private:
     {
         for (const Span &tile : m_tiles)
             for (int y = top; y < bottom; ++y) {
-                const Span pairs = m_kernel.pairs(y);
+                const Span pairs = m_source.pairs(y);
                 const int begin = std::max(tile.begin, pairs.begin);
                 const int end = std::min(tile.end, pairs.end);
                 if (begin < end)
@@ -77,7 +98,7 @@ private:
         return x < m_rotation.width() ? x : x - m_rotation.width();
     }
 
-    /// Pieces of at most GatherBatch::capacity pairs in which neither the columns nor their mirrors pass the
+    /// Spans of at most GatherBatch::capacity pairs in which neither the columns nor their mirrors pass the
     /// edge.
     std::vector<Span> tiles() const
     {
@@ -99,10 +120,10 @@ private:
                       m_mirror.sines() + begin, end - begin, m_approx);
         uint32_t *line = m_canvas.pixels + y * m_canvas.stride;
         paintBatch(y, begin, end, m_approx.columns, line + canvasColumn(m_mirror.column(begin)), 1,
-                   [&](int pair) { return m_mirror.column(pair); });
+                   [this](int pair) { return m_mirror.column(pair); });
         paintBatch(y, begin, end, m_approx.mirroredColumns,
                    line + canvasColumn(m_mirror.mirroredColumn(begin)), -1,
-                   [&](int pair) { return m_mirror.mirroredColumn(pair); });
+                   [this](int pair) { return m_mirror.mirroredColumn(pair); });
     }
 
     template <typename ColumnOf>
@@ -114,22 +135,24 @@ private:
         batch.out = out;
         batch.step = step;
         for (int i = 0; i < batch.count; ++i)
-            batch.indexes[i] = m_kernel.index(columns[i], m_approx.rows[i]);
+            batch.indexes[i] = m_source.index(columns[i], m_approx.rows[i]);
         for (int i = 0; i < m_approx.uncertainCount; ++i) {
-            const int pair = m_approx.uncertain[i];
-            batch.indexes[pair] = m_kernel.exactIndex(m_rotation.source(columnOf(begin + pair), y));
+            const int at = m_approx.uncertain[i];
+            batch.indexes[at] = m_source.exactIndex(m_rotation.source(columnOf(begin + at), y));
         }
         m_gather.submit();
     }
 
-    const SphereRotation &m_rotation;
+    const Source &m_source;
     const MirroredColumns &m_mirror;
+    const SphereRotation &m_rotation;
     int m_columnShift;
-    const Kernel &m_kernel;
+    ImageView m_canvas;
+    ApproximateSources m_approximate;
     ApproxScale m_scale;
     ApproxSources m_approx;
-    GatherQueue<Finish> m_gather;
-    ImageView m_canvas;
-    ApproximateSources *m_approximate;
+    GatherQueue<decltype(std::declval<const Source &>().finish())> m_gather;
     std::vector<Span> m_tiles;
 };
+
+} // namespace projection
