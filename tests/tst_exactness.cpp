@@ -255,15 +255,15 @@ QString compareShift(const Case &c, QImage map)
     return imageDifference(actual, expected);
 }
 
-QString compareChain(const Case &c, AzimuthCanvas azimuthCanvas, bool &blank)
+QString compareChain(const Case &c, AzimuthStep azimuthStep, bool &blank)
 {
     const MapParameters &p = c.parameters;
     const QImage expected = reference::convert(
         c.photograph, {p.centerX, p.centerY, p.radius, p.distance, p.outputSizeX, p.outputSizeY, p.latitude,
-                       p.longitude, p.azimuth, azimuthCanvas == AzimuthCanvas::Transparent});
+                       p.longitude, p.azimuth, azimuthStep == AzimuthStep::Rotates});
     const MessageCollector log;
     blank = isBlank(expected);
-    return imageDifference(convertToMap(c.photograph, p, azimuthCanvas), expected);
+    return imageDifference(convertToMap(c.photograph, p, azimuthStep), expected);
 }
 
 } // namespace
@@ -313,8 +313,8 @@ void tst_Exactness::agreesWithTheSlowEngine()
         QImage map;
         bool blank = true;
         for (const QString &difference : {compareGlobe(c, map), compareRotation(c, map), compareShift(c, map),
-                                          compareChain(c, AzimuthCanvas::Null, blank),
-                                          compareChain(c, AzimuthCanvas::Transparent, blank)}) {
+                                          compareChain(c, AzimuthStep::EmptiesMap, blank),
+                                          compareChain(c, AzimuthStep::Rotates, blank)}) {
             if (!difference.isEmpty())
                 QFAIL(qPrintable(inSet(set, difference)));
         }

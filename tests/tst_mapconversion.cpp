@@ -48,10 +48,10 @@ MapParameters projectionOnly()
     return p;
 }
 
-QImage convert(const MapParameters &p, AzimuthCanvas azimuthCanvas = AzimuthCanvas::Transparent)
+QImage convert(const MapParameters &p, AzimuthStep azimuthStep = AzimuthStep::Rotates)
 {
     const MessageCollector silent;
-    return convertToMap(photograph(), p, azimuthCanvas);
+    return convertToMap(photograph(), p, azimuthStep);
 }
 
 /// The map of the projection step alone, made by hand.
@@ -270,21 +270,21 @@ void tst_MapConversion::resamplesForAnyLatitudeButThePole()
 void tst_MapConversion::azimuthWithoutCanvasEmptiesTheMap()
 {
     MapParameters p = projectionOnly();
-    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), projectionStep());
+    COMPARE_IMAGES(convert(p, AzimuthStep::EmptiesMap), projectionStep());
 
     p.azimuth = 30.0;
-    QVERIFY(convert(p, AzimuthCanvas::Null).isNull());
+    QVERIFY(convert(p, AzimuthStep::EmptiesMap).isNull());
     p.latitude = 35.0;
-    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), canvas(QSize(128, 64)));
+    COMPARE_IMAGES(convert(p, AzimuthStep::EmptiesMap), canvas(QSize(128, 64)));
     p.longitude = 135.0;
-    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), canvas(QSize(128, 64)));
+    COMPARE_IMAGES(convert(p, AzimuthStep::EmptiesMap), canvas(QSize(128, 64)));
     p.latitude = 90.0;
-    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), canvas(QSize(128, 64)));
+    COMPARE_IMAGES(convert(p, AzimuthStep::EmptiesMap), canvas(QSize(128, 64)));
 
     p = projectionOnly();
     p.latitude = 35.0;
     p.longitude = 135.0;
-    COMPARE_IMAGES(convert(p, AzimuthCanvas::Null), convert(p));
+    COMPARE_IMAGES(convert(p, AzimuthStep::EmptiesMap), convert(p));
 }
 
 void tst_MapConversion::convertsAnyFormat_data()
@@ -371,7 +371,7 @@ void tst_MapConversion::survivesChangesDuringEvents()
 void tst_MapConversion::nullPhotographGivesNullMap()
 {
     QVERIFY(convertToMap(QImage(), projectionOnly()).isNull());
-    QVERIFY(convertToMap(QImage(), MapParameters(), AzimuthCanvas::Null).isNull());
+    QVERIFY(convertToMap(QImage(), MapParameters(), AzimuthStep::EmptiesMap).isNull());
 }
 
 void tst_MapConversion::impossibleSizesGiveNullMaps_data()
@@ -398,7 +398,7 @@ void tst_MapConversion::impossibleSizesGiveNullMaps()
     QVERIFY(convert(p).isNull());
     p.azimuth = 30.0;
     QVERIFY(convert(p).isNull());
-    QVERIFY(convert(p, AzimuthCanvas::Null).isNull());
+    QVERIFY(convert(p, AzimuthStep::EmptiesMap).isNull());
 }
 
 void tst_MapConversion::bearsAnyValue_data()
@@ -477,7 +477,7 @@ void tst_MapConversion::canvasesThatDoNotFitGiveNullMaps()
     QVERIFY(convert(p).isNull());
     p.azimuth = 30.0;
     p.latitude = 35.0;
-    QVERIFY(convert(p, AzimuthCanvas::Null).isNull());
+    QVERIFY(convert(p, AzimuthStep::EmptiesMap).isNull());
 }
 
 void tst_MapConversion::laterCanvasesThatDoNotFitDoNoHarm_data()

@@ -106,7 +106,7 @@ std::optional<QImage> composedMap(const QImage &photograph, const MapParameters 
 }
 
 /// The whole chain, one operation after the other: right for everything.
-QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthCanvas azimuthCanvas)
+QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthStep azimuthStep)
 {
     const QSize size(parameters.outputSizeX, parameters.outputSizeY);
     QImage map = transparentCanvas(size);
@@ -117,7 +117,7 @@ QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthCanvas 
 
     if (parameters.azimuth != 0.0) {
         QImage rotated;
-        if (azimuthCanvas == AzimuthCanvas::Transparent) {
+        if (azimuthStep == AzimuthStep::Rotates) {
             rotated = transparentCanvas(size);
             if (rotated.isNull())
                 return {};
@@ -145,16 +145,16 @@ QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthCanvas 
 
 } // namespace
 
-QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthCanvas azimuthCanvas)
+QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthStep azimuthStep)
 {
     if (photograph.isNull())
         return {};
     const QImage source = argbPhotograph(photograph);
     if (source.isNull())
         return {};
-    if (parameters.azimuth == 0.0 || azimuthCanvas == AzimuthCanvas::Transparent) {
+    if (parameters.azimuth == 0.0 || azimuthStep == AzimuthStep::Rotates) {
         if (const std::optional<QImage> map = composedMap(source, parameters))
             return *map;
     }
-    return chainedMap(source, parameters, azimuthCanvas);
+    return chainedMap(source, parameters, azimuthStep);
 }

@@ -17,8 +17,11 @@ struct MapParameters {
     double azimuth = 0.0;    ///< rotation about the disc centre, degrees
 };
 
-/// What the azimuth step draws on. The batch run gives it no canvas: its result is then an empty map.
-enum class AzimuthCanvas { Transparent, Null };
+/// What the azimuth step does with a map when the azimuth is not 0.
+enum class AzimuthStep {
+    Rotates,    ///< it rotates the map about the disc centre
+    EmptiesMap, ///< it leaves nothing of the map, as it always was in a batch run
+};
 
 /// Map columns per photograph column, and map rows of one hemisphere per photograph row.
 struct OutputRatio {
@@ -42,4 +45,4 @@ projection::PerspectiveParameters perspectiveParameters(const MapParameters &par
 ///         when a canvas cannot be allocated (also for sizes of 0 or less), or when the azimuth step emptied the map
 ///         and no later step brings a canvas
 QImage convertToMap(const QImage &photograph, MapParameters parameters,
-                    AzimuthCanvas azimuthCanvas = AzimuthCanvas::Transparent);
+                    AzimuthStep azimuthStep = AzimuthStep::Rotates);

@@ -165,7 +165,7 @@ private:
     void startStepping(int dx, int dy, int dr);
     void finishStepping(int dx, int dy, int dr);
     MapParameters mapParameters() const;
-    QImage convertPhotograph(AzimuthCanvas azimuthCanvas);
+    QImage convertPhotograph(AzimuthStep azimuthStep);
     void confirmSaved(const QString &title, const QString &path);
 
     CircleOverlay circleOverlay; // what the label shows

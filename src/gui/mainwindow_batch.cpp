@@ -84,7 +84,7 @@ void MainWindow::batchConvert()
         }
         imageWidth = image.width();
         imageHeight = image.height();
-        const QImage map = convertPhotograph(AzimuthCanvas::Null);
+        const QImage map = convertPhotograph(AzimuthStep::EmptiesMap);
         // The numbers match list positions, not successes.
         const QString path = outputPath(outputFolder, inputs.at(i), nameType, i, getFormat());
         const bool refused = !overwrite && QFileInfo::exists(path);

@@ -40,7 +40,7 @@ const char *MainWindow::getFormatChar() const
 
 // Events run while the chain does: a slot may load another photograph or start a conversion on top of this
 // one.
-QImage MainWindow::convertPhotograph(AzimuthCanvas azimuthCanvas)
+QImage MainWindow::convertPhotograph(AzimuthStep azimuthStep)
 {
     const QImage photograph = image;
     const MapParameters parameters = mapParameters();
@@ -48,7 +48,7 @@ QImage MainWindow::convertPhotograph(AzimuthCanvas azimuthCanvas)
         outputRatio(photograph.size(), {parameters.outputSizeX, parameters.outputSizeY});
     ratioX = ratio.x;
     ratioY = ratio.y;
-    return convertToMap(photograph, parameters, azimuthCanvas);
+    return convertToMap(photograph, parameters, azimuthStep);
 }
 
 QImage MainWindow::convertImage()
@@ -56,7 +56,7 @@ QImage MainWindow::convertImage()
     qDebug() << "convertImage";
     if (image.isNull())
         return {};
-    const QImage map = convertPhotograph(AzimuthCanvas::Transparent);
+    const QImage map = convertPhotograph(AzimuthStep::Rotates);
     if (previewWindow->isVisible())
         previewWindow->setImage(map);
     return map;
