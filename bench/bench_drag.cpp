@@ -95,7 +95,7 @@ bool measure(const QString &name, const QImage &image)
     CircleOverlay overlay;
     Drag uncached(image.size(), [&](const SelectionCircle &circle) {
         QImage copy = image.convertToFormat(QImage::Format_ARGB32);
-        drawCircle(copy, circle, pen.color, pen.size, pen.square);
+        paintCircle(copy, circle, pen);
         return QPixmap::fromImage(copy);
     });
     Drag fast(image.size(),

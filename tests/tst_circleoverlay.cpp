@@ -15,7 +15,7 @@ QPixmap uncachedPicture(const QImage &photograph, const std::optional<SelectionC
 {
     QImage copy = photograph.convertToFormat(QImage::Format_ARGB32);
     if (circle)
-        drawCircle(copy, *circle, pen.color, pen.size, pen.square);
+        paintCircle(copy, *circle, pen);
     return QPixmap::fromImage(copy);
 }
 

@@ -153,7 +153,7 @@ void tst_SelectionCircle::drawsANewCircleFromTheLongerSide()
     QFETCH(QPoint, first);
     QFETCH(QPoint, last);
     QFETCH(int, radius);
-    const std::optional<SelectionCircle> circle = drawnCircle({3, 4}, first, last);
+    const std::optional<SelectionCircle> circle = newCircle({3, 4}, first, last);
     QCOMPARE(circle.has_value(), radius != 0);
     if (circle)
         QCOMPARE(*circle, (SelectionCircle{3, 4, radius}));
@@ -165,8 +165,8 @@ void tst_SelectionCircle::wrapsInsteadOfOverflowing()
     QCOMPARE(moved({INT_MAX, 0, 1}, {-1, INT_MAX}, {0, INT_MIN}), (SelectionCircle{INT_MIN, 1, 1}));
     QCOMPARE(resized({INT_MIN, 0, 1}, {INT_MAX, 0}).radius, -1);
     QCOMPARE(resized({INT_MIN, 0, 1}, {0, 0}).radius, INT_MIN);
-    QVERIFY(!drawnCircle({0, 0}, {INT_MIN, 0}, {INT_MAX, 5})); // the width wraps to -1
-    QCOMPARE(drawnCircle({0, 0}, {-1, 0}, {INT_MAX - 1, 5})->radius, INT_MAX);
+    QVERIFY(!newCircle({0, 0}, {INT_MIN, 0}, {INT_MAX, 5})); // the width wraps to -1
+    QCOMPARE(newCircle({0, 0}, {-1, 0}, {INT_MAX - 1, 5})->radius, INT_MAX);
 }
 
 void tst_SelectionCircle::namesTheZone_data()

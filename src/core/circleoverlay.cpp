@@ -12,7 +12,7 @@ QPixmap uncachedPicture(const QImage &photograph, const std::optional<SelectionC
 {
     QImage copy = photograph.convertToFormat(QImage::Format_ARGB32);
     if (circle)
-        drawCircle(copy, *circle, pen.color, pen.size, pen.square);
+        paintCircle(copy, *circle, pen);
     return QPixmap::fromImage(std::move(copy));
 }
 
@@ -60,31 +60,15 @@ QPixmap CircleOverlay::picture(const QImage &photograph, const std::optional<Sel
         return {};
     }
     if (photograph.cacheKey() != m_key)
-        take(photograph);
+        setPhotograph(photograph);
 
     const std::optional<QVector<QRect>> rectangles =
-        circle ? drawnRectangles(m_photograph.size(), *circle, pen.size) : QVector<QRect>();
-    // A circle over the pixel that is known to be translucent may have covered the last one: only a look at
-    // the whole picture tells.
-    const bool coversPixel =
-        rectangles && m_translucentPixel &&
-        std::any_of(rectangles->begin(), rectangles->end(),
-                    [this](const QRect &rectangle) { return rectangle.contains(*m_translucentPixel); });
-    if (!rectangles || coversPixel)
-        return uncachedPicture(m_photograph, circle, pen);
-
+        circle ? paintedRectangles(m_photograph.size(), *circle, pen.size) : QVector<QRect>();
     Buffer &buffer = m_buffers[m_next];
-    m_next = 1 - m_next;
-    if (buffer.image.isNull())
-        buffer.image = converted(m_photograph, m_translucentPixel ? QImage::Format_ARGB32_Premultiplied
-                                                                  : QImage::Format_RGB32);
-    if (buffer.image.isNull() || m_drawing.isNull()) // no memory for it
+    if (!rectangles || !keepsAlphaChannel(*rectangles) || !haveBuffer(buffer))
         return uncachedPicture(m_photograph, circle, pen);
-    for (const QRect &rectangle : std::as_const(buffer.rectangles))
-        copyRectangle(m_photograph, buffer.image, rectangle);
-    if (circle)
-        paint(buffer, *rectangles, *circle, pen);
-    buffer.rectangles = *rectangles;
+    updateBuffer(buffer, *rectangles, circle, pen);
+    m_next = 1 - m_next;
     return QPixmap::fromImage(buffer.image, Qt::NoOpaqueDetection);
 }
 
@@ -93,22 +77,46 @@ void CircleOverlay::clear()
     *this = CircleOverlay();
 }
 
-void CircleOverlay::take(const QImage &photograph)
+void CircleOverlay::setPhotograph(const QImage &photograph)
 {
     clear();
     m_key = photograph.cacheKey();
     m_photograph = photograph;
     m_photograph.setDevicePixelRatio(1.0);
     m_translucentPixel = translucentPixel(m_photograph);
-    m_drawing = QImage(photograph.size(), QImage::Format_ARGB32);
+    m_layer = QImage(photograph.size(), QImage::Format_ARGB32);
 }
 
-void CircleOverlay::paint(Buffer &buffer, const QVector<QRect> &rectangles, const SelectionCircle &circle,
-                          const CirclePen &pen)
+// A pixmap has an alpha channel exactly when some pixel of its picture is not opaque. One such pixel is known;
+// a circle painted over it leaves open whether there are others.
+bool CircleOverlay::keepsAlphaChannel(const QVector<QRect> &rectangles) const
 {
-    for (const QRect &rectangle : rectangles)
-        copyRectangle(m_photograph, m_drawing, rectangle);
-    drawCircle(m_drawing, circle, pen.color, pen.size, pen.square);
-    for (const QRect &rectangle : rectangles)
-        copyRectangle(m_drawing, buffer.image, rectangle);
+    return !m_translucentPixel ||
+           std::none_of(rectangles.begin(), rectangles.end(),
+                        [this](const QRect &rectangle) { return rectangle.contains(*m_translucentPixel); });
+}
+
+// Whether there is memory for the buffer and for the layer.
+bool CircleOverlay::haveBuffer(Buffer &buffer) const
+{
+    if (buffer.image.isNull())
+        buffer.image = converted(m_photograph, m_translucentPixel ? QImage::Format_ARGB32_Premultiplied
+                                                                  : QImage::Format_RGB32);
+    return !buffer.image.isNull() && !m_layer.isNull();
+}
+
+// Takes the old circle away and paints the new one.
+void CircleOverlay::updateBuffer(Buffer &buffer, const QVector<QRect> &rectangles,
+                                 const std::optional<SelectionCircle> &circle, const CirclePen &pen)
+{
+    for (const QRect &rectangle : std::as_const(buffer.rectangles))
+        copyRectangle(m_photograph, buffer.image, rectangle);
+    if (circle) {
+        for (const QRect &rectangle : rectangles)
+            copyRectangle(m_photograph, m_layer, rectangle);
+        paintCircle(m_layer, *circle, pen);
+        for (const QRect &rectangle : rectangles)
+            copyRectangle(m_layer, buffer.image, rectangle);
+    }
+    buffer.rectangles = rectangles;
 }

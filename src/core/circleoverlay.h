@@ -1,8 +1,7 @@
 #pragma once
 
-#include "selectioncircle.h"
+#include "circlepainter.h"
 
-#include <QColor>
 #include <QImage>
 #include <QPixmap>
 
@@ -10,15 +9,8 @@
 #include <cstddef>
 #include <optional>
 
-/// How a circle is painted.
-struct CirclePen {
-    QColor color;
-    int size = 0;                      ///< width in photograph pixels, any int
-    Qt::PenStyle square = Qt::DotLine; ///< Qt::SolidLine while a new circle is being drawn
-};
-
 /// The photograph with the circle as an overlay at its own resolution. Pixel for pixel, and in its alpha channel,
-/// what converting the photograph to ARGB32, drawCircle and QPixmap::fromImage give, but made for being
+/// what converting the photograph to ARGB32, paintCircle and QPixmap::fromImage give, but made for being
 /// called on every step of a drag: it keeps two finished pictures and changes, in the one that is not on the
 /// screen, only the pixels around the lines of the old and the new circle.
 class CircleOverlay
@@ -40,14 +32,16 @@ private:
         QVector<QRect> rectangles; // where it differs from the photograph
     };
 
-    void take(const QImage &photograph);
-    void paint(Buffer &buffer, const QVector<QRect> &rectangles, const SelectionCircle &circle,
-               const CirclePen &pen);
+    void setPhotograph(const QImage &photograph);
+    bool keepsAlphaChannel(const QVector<QRect> &rectangles) const;
+    bool haveBuffer(Buffer &buffer) const;
+    void updateBuffer(Buffer &buffer, const QVector<QRect> &rectangles,
+                      const std::optional<SelectionCircle> &circle, const CirclePen &pen);
 
     qint64 m_key = 0; // cacheKey() of the photograph that the rest is about; 0: none
     QImage m_photograph;
-    std::optional<QPoint> m_translucentPixel; // one that makes the whole picture keep its alpha channel
-    QImage m_drawing; // ARGB32 to draw in; holds nothing outside the rectangles at work
+    std::optional<QPoint> m_translucentPixel; // some pixel that is not opaque; none if all are
+    QImage m_layer; // ARGB32 to paint in; holds nothing outside the rectangles at work
     std::array<Buffer, 2> m_buffers;
     std::size_t m_next = 0; // the buffer whose pixmap is the older one
 };

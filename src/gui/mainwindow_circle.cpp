@@ -226,8 +226,8 @@ void MainWindow::on_label_size_changing(int cx, int cy, int x1, int y1, int x2, 
             showCircle(resized(circle(), {x, y}), Qt::DotLine);
         else if (moving)
             showCircle(moved(circle(), {moveStartX, moveStartY}, {x, y}), Qt::DotLine);
-    } else if (const auto drawn = drawnCircle({cx, cy}, {x1, y1}, {x2, y2})) {
-        showCircle(drawn, Qt::SolidLine);
+    } else if (const auto created = newCircle({cx, cy}, {x1, y1}, {x2, y2})) {
+        showCircle(created, Qt::SolidLine);
     }
 }
 
@@ -235,7 +235,7 @@ void MainWindow::on_label_size_changed(int x, int y, int r)
 {
     if (image.isNull())
         return;
-    if (r >= smallestDrawnRadius) {
+    if (r >= smallestNewRadius) {
         setCircle({x, y, r});
         setCircleShown(true);
     }

@@ -1,4 +1,4 @@
-#include "selectioncircle.h"
+#include "circlepainter.h"
 
 #include "circlechance.h"
 #include "cputime.h"
@@ -68,7 +68,7 @@ QRect extentOf(const QImage &picture)
 } // namespace
 
 /// The circle in the picture, and the rectangles that it may change.
-class tst_CircleDrawing : public QObject
+class tst_CirclePainter : public QObject
 {
     Q_OBJECT
 
@@ -89,7 +89,7 @@ private slots:
     void admitsWhatItDoesNotKnow();
 };
 
-void tst_CircleDrawing::drawsTheExactPixels_data()
+void tst_CirclePainter::drawsTheExactPixels_data()
 {
     QTest::addColumn<int>("radius");
     QTest::addColumn<Qt::PenStyle>("square");
@@ -147,28 +147,28 @@ void tst_CircleDrawing::drawsTheExactPixels_data()
     // clang-format on
 }
 
-void tst_CircleDrawing::drawsTheExactPixels()
+void tst_CirclePainter::drawsTheExactPixels()
 {
     QFETCH(int, radius);
     QFETCH(Qt::PenStyle, square);
     QFETCH(QStringList, expected);
     QImage picture = transparent(11, 11);
-    drawCircle(picture, {5, 5, radius}, Qt::red, 1, square);
+    paintCircle(picture, {5, 5, radius}, {Qt::red, 1, square});
     QCOMPARE(charted(picture), expected);
 }
 
-void tst_CircleDrawing::drawsTheSquareOnePixelWider()
+void tst_CirclePainter::drawsTheSquareOnePixelWider()
 {
     QImage picture = transparent(60, 60);
-    drawCircle(picture, {30, 30, 20}, Qt::red, 1, Qt::SolidLine);
+    paintCircle(picture, {30, 30, 20}, {Qt::red, 1, Qt::SolidLine});
     QCOMPARE(extentOf(picture), QRect(QPoint(10, 10), QPoint(51, 51)));
 }
 
-void tst_CircleDrawing::drawsTheCrossTwiceAsLongAsThePen()
+void tst_CirclePainter::drawsTheCrossTwiceAsLongAsThePen()
 {
     for (const int penSize : {1, 2, 3, 8}) {
         QImage picture = transparent(200, 200);
-        drawCircle(picture, {100, 100, 10000}, Qt::red, penSize, Qt::DotLine);
+        paintCircle(picture, {100, 100, 10000}, {Qt::red, penSize, Qt::DotLine});
         // Two arms and a square cap at either end.
         const QRect extent = extentOf(picture);
         QCOMPARE(extent.width(), 5 * penSize);
@@ -177,7 +177,7 @@ void tst_CircleDrawing::drawsTheCrossTwiceAsLongAsThePen()
     }
 }
 
-void tst_CircleDrawing::drawsTheSameAsThePainterAlone()
+void tst_CirclePainter::drawsTheSameAsThePainterAlone()
 {
     Chance chance;
     for (int i = 0; i < 1500; ++i) {
@@ -188,7 +188,7 @@ void tst_CircleDrawing::drawsTheSameAsThePainterAlone()
         const int penSize = chance.oneIn(3) ? chance.between(0, 64) : chance.between(0, 9);
         const Qt::PenStyle square = chance.oneIn(3) ? Qt::SolidLine : Qt::DotLine;
         drawWithThePainterAlone(expected, circle, color, penSize, square);
-        drawCircle(actual, circle, color, penSize, square);
+        paintCircle(actual, circle, {color, penSize, square});
         QVERIFY2(actual == expected, qPrintable(QString("(%1, %2) radius %3 pen %4")
                                                     .arg(circle.centerX)
                                                     .arg(circle.centerY)
@@ -197,7 +197,7 @@ void tst_CircleDrawing::drawsTheSameAsThePainterAlone()
     }
 }
 
-void tst_CircleDrawing::neverHangsOnHostileValues_data()
+void tst_CirclePainter::neverHangsOnHostileValues_data()
 {
     QTest::addColumn<SelectionCircle>("circle");
     QTest::addColumn<int>("penSize");
@@ -216,39 +216,39 @@ void tst_CircleDrawing::neverHangsOnHostileValues_data()
     QTest::newRow("pen and circle of the same size") << SelectionCircle{30000, -20000, 40000} << 40000;
 }
 
-void tst_CircleDrawing::neverHangsOnHostileValues()
+void tst_CirclePainter::neverHangsOnHostileValues()
 {
     QFETCH(SelectionCircle, circle);
     QFETCH(int, penSize);
     QImage picture(6000, 4000, QImage::Format_ARGB32);
     picture.fill(Qt::gray);
     const qint64 before = cpuMilliseconds();
-    drawCircle(picture, circle, QColor(255, 0, 0), penSize, Qt::DotLine);
+    paintCircle(picture, circle, {QColor(255, 0, 0), penSize, Qt::DotLine});
     const qint64 taken = cpuMilliseconds() - before; // a few, without sanitizers
     QVERIFY2(taken < 1000, qPrintable(QString("%1 ms").arg(taken)));
 }
 
-void tst_CircleDrawing::drawsAnythingAnywhere()
+void tst_CirclePainter::drawsAnythingAnywhere()
 {
     QRandomGenerator random(20);
     const auto anyInt = [&random] { return static_cast<int>(random.generate()) >> random.bounded(31); };
     for (int i = 0; i < 1500; ++i) {
         QImage picture = transparent(50, 40);
-        drawCircle(picture, {anyInt(), anyInt(), anyInt()}, Qt::red, anyInt(), Qt::DotLine);
+        paintCircle(picture, {anyInt(), anyInt(), anyInt()}, {Qt::red, anyInt(), Qt::DotLine});
         zoneAt({anyInt(), anyInt(), anyInt()}, {anyInt(), anyInt()});
         QCOMPARE(picture.size(), QSize(50, 40));
     }
 }
 
-void tst_CircleDrawing::knowsWhereItDraws()
+void tst_CirclePainter::knowsWhereItDraws()
 {
     Chance chance;
     for (int i = 0; i < 1500; ++i) {
         QImage picture = transparent(chance.between(1, 200), chance.between(1, 200));
         const SelectionCircle circle = chance.circle(picture.size(), chance.oneIn(4) ? 3000 : 120);
         const int penSize = chance.oneIn(3) ? chance.between(-64, 64) : chance.between(0, 9);
-        drawCircle(picture, circle, Qt::red, penSize, chance.oneIn(3) ? Qt::SolidLine : Qt::DotLine);
-        const std::optional<QVector<QRect>> rectangles = drawnRectangles(picture.size(), circle, penSize);
+        paintCircle(picture, circle, {Qt::red, penSize, chance.oneIn(3) ? Qt::SolidLine : Qt::DotLine});
+        const std::optional<QVector<QRect>> rectangles = paintedRectangles(picture.size(), circle, penSize);
         QVERIFY(rectangles);
         for (const QRect &rectangle : *rectangles)
             for (int y = rectangle.top(); y <= rectangle.bottom(); ++y)
@@ -262,13 +262,13 @@ void tst_CircleDrawing::knowsWhereItDraws()
     }
 }
 
-void tst_CircleDrawing::keepsItsRectanglesApartAndInside()
+void tst_CirclePainter::keepsItsRectanglesApartAndInside()
 {
     Chance chance;
     for (int i = 0; i < 300; ++i) {
         const QSize size(chance.between(1, 300), chance.between(1, 300));
         const std::optional<QVector<QRect>> rectangles =
-            drawnRectangles(size, chance.circle(size, 400), chance.between(-20, 20));
+            paintedRectangles(size, chance.circle(size, 400), chance.between(-20, 20));
         QVERIFY(rectangles);
         QRegion covered;
         for (const QRect &rectangle : *rectangles) {
@@ -280,11 +280,11 @@ void tst_CircleDrawing::keepsItsRectanglesApartAndInside()
     }
 }
 
-void tst_CircleDrawing::keepsItsRectanglesNarrow()
+void tst_CirclePainter::keepsItsRectanglesNarrow()
 {
     const QSize photograph(6000, 4000);
     const std::optional<QVector<QRect>> rectangles =
-        drawnRectangles(photograph, defaultCircle(photograph), 3);
+        paintedRectangles(photograph, defaultCircle(photograph), 3);
     QVERIFY(rectangles);
     qint64 pixels = 0;
     for (const QRect &rectangle : *rectangles)
@@ -292,7 +292,7 @@ void tst_CircleDrawing::keepsItsRectanglesNarrow()
     QVERIFY2(pixels < 24000000 / 40, qPrintable(QString::number(pixels)));
 }
 
-void tst_CircleDrawing::admitsWhatItDoesNotKnow_data()
+void tst_CirclePainter::admitsWhatItDoesNotKnow_data()
 {
     QTest::addColumn<SelectionCircle>("circle");
     QTest::addColumn<int>("penSize");
@@ -307,13 +307,13 @@ void tst_CircleDrawing::admitsWhatItDoesNotKnow_data()
     QTest::newRow("pen of the smallest int") << SelectionCircle{0, 0, 10} << INT_MIN << false;
 }
 
-void tst_CircleDrawing::admitsWhatItDoesNotKnow()
+void tst_CirclePainter::admitsWhatItDoesNotKnow()
 {
     QFETCH(SelectionCircle, circle);
     QFETCH(int, penSize);
     QFETCH(bool, known);
-    QCOMPARE(drawnRectangles(QSize(100, 100), circle, penSize).has_value(), known);
+    QCOMPARE(paintedRectangles(QSize(100, 100), circle, penSize).has_value(), known);
 }
 
-QTEST_GUILESS_MAIN(tst_CircleDrawing)
-#include "tst_circledrawing.moc"
+QTEST_GUILESS_MAIN(tst_CirclePainter)
+#include "tst_circlepainter.moc"
