@@ -134,9 +134,9 @@ void tst_PreviewWindow::showsAnImage()
     PreviewWindow window;
     const QImage map = pattern(64, 32).toImage();
     window.setImage(map);
-    QCOMPARE(pictureOf(labelOf(window)).toImage(), map);
+    QCOMPARE(labelOf(window).picture().toImage(), map);
     window.setImage(map.mirrored());
-    QCOMPARE(pictureOf(labelOf(window)).toImage(), map.mirrored());
+    QCOMPARE(labelOf(window).picture().toImage(), map.mirrored());
 }
 
 void tst_PreviewWindow::setsScalingAndMinimumSizeEveryTime()
@@ -160,8 +160,8 @@ void tst_PreviewWindow::keepsAnAlphaChannel()
     map.setPixelColor(3, 2, QColor(200, 100, 50, 128));
     PreviewWindow window;
     window.setImage(map);
-    QCOMPARE(pictureOf(labelOf(window)).toImage(), map);
-    QVERIFY(pictureOf(labelOf(window)).hasAlphaChannel());
+    QCOMPARE(labelOf(window).picture().toImage(), map);
+    QVERIFY(labelOf(window).picture().hasAlphaChannel());
 }
 
 void tst_PreviewWindow::takesANullImage()
@@ -169,7 +169,7 @@ void tst_PreviewWindow::takesANullImage()
     PreviewWindow window;
     window.setImage(pattern(64, 32).toImage());
     window.setImage(QImage());
-    QVERIFY(pictureOf(labelOf(window)).isNull());
+    QVERIFY(labelOf(window).picture().isNull());
     QCOMPARE(labelOf(window).minimumSize(), QSize(320, 240));
 }
 
@@ -182,7 +182,7 @@ void tst_PreviewWindow::leavesTheCallersImageAlone()
     window.setImage(map);
     QCOMPARE(map, before);
     map.fill(Qt::white);
-    QCOMPARE(pictureOf(labelOf(window)).toImage().pixelColor(0, 0).alpha(), 40);
+    QCOMPARE(labelOf(window).picture().toImage().pixelColor(0, 0).alpha(), 40);
 }
 
 void tst_PreviewWindow::ignoresAutoSize()
@@ -243,7 +243,7 @@ void tst_PreviewWindow::keepsItsMapWhileHidden()
     window.close();
     window.show();
     QVERIFY(window.isVisible());
-    QCOMPARE(pictureOf(labelOf(window)).toImage(), map);
+    QCOMPARE(labelOf(window).picture().toImage(), map);
 }
 
 void tst_PreviewWindow::reportsGestures()

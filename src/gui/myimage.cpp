@@ -1,51 +1,39 @@
 #include "myimage.h"
 
-#include "picturelabel.h"
-
-#include <QMouseEvent>
-
-MyImage::MyImage(QWidget *parent) : QLabel(parent)
+MyImage::MyImage(QWidget *parent) : PictureLabel(parent)
 {
 }
 
-void MyImage::mousePressEvent(QMouseEvent *event)
+bool MyImage::followsHover() const
 {
-    pressPicture(*this, *event);
+    return selectMode;
 }
 
-void MyImage::mouseMoveEvent(QMouseEvent *event)
+void MyImage::leftPressed(QPoint position)
 {
-    if (!leftDown && !selectMode) {
-        QLabel::mouseMoveEvent(event);
-        return;
-    }
-    const QPixmap picture = pictureOf(*this);
-    if (picture.isNull())
-        return;
-    const PictureDrag drag = pictureScaleOf(*this, picture).drag(pressPos, event->pos());
-    if (leftDown)
-        reportDrag(*this, drag);
+    emit mouseleftdown(position.x(), position.y());
+}
+
+void MyImage::dragged(const PictureDrag &drag)
+{
+    emit size_changing(drag.press.x(), drag.press.y(), drag.first.x(), drag.first.y(), drag.last.x(),
+                       drag.last.y(), drag.position.x(), drag.position.y());
+}
+
+void MyImage::hovered(QPoint position)
+{
+    emit mouse_move(position.x(), position.y());
+}
+
+void MyImage::dragEnded(const PictureDrag &drag)
+{
+    if (selectMode)
+        emit mouseleftup(drag.position.x(), drag.position.y());
     else
-        emit mouse_move(drag.position.x(), drag.position.y());
+        emit size_changed(drag.press.x(), drag.press.y(), drag.radius);
 }
 
-void MyImage::mouseReleaseEvent(QMouseEvent *event)
+void MyImage::rightReleased()
 {
-    const Qt::MouseButtons held = event->buttons();
-    if (leftDown && !(held & Qt::LeftButton)) {
-        const QPixmap picture = pictureOf(*this);
-        if (picture.isNull())
-            return; // the picture vanished in mid-drag: the flags wait for the next release
-        const PictureDrag drag = pictureScaleOf(*this, picture).drag(pressPos, event->pos());
-        if (selectMode)
-            emit mouseleftup(drag.position.x(), drag.position.y());
-        else
-            emit size_changed(drag.press.x(), drag.press.y(), drag.radius);
-    }
-    forgetReleased(*this, held);
-}
-
-void MyImage::paintEvent(QPaintEvent *)
-{
-    paintPicture(*this);
+    emit mouserightup();
 }

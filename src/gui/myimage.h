@@ -1,11 +1,10 @@
 #pragma once
 
-#include <QLabel>
-#include <QPoint>
+#include "picturelabel.h"
 
 /// The photograph on the screen. It shows the pixmap that it is given and reports mouse gestures in pixels of
 /// that pixmap; what a gesture means is decided by whoever listens.
-class MyImage : public QLabel
+class MyImage : public PictureLabel
 {
     Q_OBJECT
 
@@ -13,9 +12,6 @@ public:
     explicit MyImage(QWidget *parent = nullptr);
 
     bool selectMode = false; ///< a circle exists, gestures edit it; written by the owner, never in here
-    bool leftDown = false;   ///< the left button went down on a picture and has not been released
-    bool rightDown = false;  ///< the right button went down and has not been released
-    QPoint pressPos;         ///< where the left button went down last, in widget pixels
 
 signals:
     void mouseleftdown(int x, int y);
@@ -27,8 +23,10 @@ signals:
     void mouse_move(int x, int y);
 
 protected:
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
+    bool followsHover() const override;
+    void leftPressed(QPoint position) override;
+    void dragged(const PictureDrag &drag) override;
+    void hovered(QPoint position) override;
+    void dragEnded(const PictureDrag &drag) override;
+    void rightReleased() override;
 };

@@ -1,33 +1,79 @@
 #include "picturelabel.h"
 
-#include <QLabel>
+#include <QMouseEvent>
 #include <QPainter>
 
-QPixmap pictureOf(const QLabel &label)
+QPixmap PictureLabel::picture() const
 {
 #if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
-    return label.pixmap(Qt::ReturnByValue);
+    return pixmap(Qt::ReturnByValue);
 #else
-    const QPixmap *picture = label.pixmap();
+    const QPixmap *picture = pixmap();
     return picture ? *picture : QPixmap();
 #endif
 }
 
-PictureScale pictureScaleOf(const QLabel &label, const QPixmap &picture)
+PictureScale PictureLabel::scaleOf(const QPixmap &picture) const
 {
-    return {label.size(), picture.size(), label.hasScaledContents()};
+    return {size(), picture.size(), hasScaledContents()};
 }
 
-void paintPicture(QLabel &label)
+void PictureLabel::mousePressEvent(QMouseEvent *event)
 {
-    QPainter painter(&label);
-    const QPixmap picture = pictureOf(label);
-    if (picture.isNull())
+    if (event->buttons() & Qt::LeftButton) {
+        const QPixmap shown = picture();
+        if (shown.isNull())
+            return;
+        leftDown = true;
+        pressPos = event->pos();
+        leftPressed(scaleOf(shown).toPicture(pressPos));
+    }
+    if (event->buttons() & Qt::RightButton)
+        rightDown = true;
+}
+
+void PictureLabel::mouseMoveEvent(QMouseEvent *event)
+{
+    if (!leftDown && !followsHover()) {
+        QLabel::mouseMoveEvent(event);
         return;
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, label.hasScaledContents());
-    if (label.hasScaledContents())
-        painter.drawPixmap(pictureScaleOf(label, picture).fittedRectangle(), picture,
-                           QRectF(QPointF(), picture.size()));
+    }
+    const QPixmap shown = picture();
+    if (shown.isNull())
+        return;
+    if (leftDown)
+        dragged(scaleOf(shown).drag(pressPos, event->pos()));
     else
-        painter.drawPixmap(0, 0, picture);
+        hovered(scaleOf(shown).toPicture(event->pos()));
+}
+
+void PictureLabel::mouseReleaseEvent(QMouseEvent *event)
+{
+    const bool leftHeld = event->buttons() & Qt::LeftButton;
+    const bool rightHeld = event->buttons() & Qt::RightButton;
+    if (leftDown && !leftHeld) {
+        const QPixmap shown = picture();
+        if (shown.isNull())
+            return; // the picture vanished in mid-drag: the flags wait for the next release
+        dragEnded(scaleOf(shown).drag(pressPos, event->pos()));
+    }
+    if (rightDown && !rightHeld)
+        rightReleased();
+    if (!leftHeld)
+        leftDown = false;
+    if (!rightHeld)
+        rightDown = false;
+}
+
+void PictureLabel::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    const QPixmap shown = picture();
+    if (shown.isNull())
+        return;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, hasScaledContents());
+    if (hasScaledContents())
+        painter.drawPixmap(scaleOf(shown).fittedRectangle(), shown, QRectF(QPointF(), shown.size()));
+    else
+        painter.drawPixmap(0, 0, shown);
 }

@@ -1,9 +1,6 @@
 #include "previewwindow.h"
 
-#include "picturelabel.h"
 #include "ui_previewwindow.h"
-
-#include <QMouseEvent>
 
 #include <utility>
 
@@ -32,43 +29,28 @@ void PreviewWindow::closeEvent(QCloseEvent *)
     hide();
 }
 
-MyImage2::MyImage2(QWidget *parent) : QLabel(parent)
+MyImage2::MyImage2(QWidget *parent) : PictureLabel(parent)
 {
 }
 
-void MyImage2::mousePressEvent(QMouseEvent *event)
+void MyImage2::leftPressed(QPoint position)
 {
-    pressPicture(*this, *event);
+    emit mouseleftdown(position.x(), position.y());
 }
 
-void MyImage2::mouseMoveEvent(QMouseEvent *event)
+void MyImage2::dragged(const PictureDrag &drag)
 {
-    if (!leftDown) {
-        QLabel::mouseMoveEvent(event);
-        return;
-    }
-    const QPixmap picture = pictureOf(*this);
-    if (picture.isNull())
-        return;
-    const PictureDrag drag = pictureScaleOf(*this, picture).drag(pressPos, event->pos());
-    reportDrag(*this, drag);
+    emit size_changing(drag.press.x(), drag.press.y(), drag.first.x(), drag.first.y(), drag.last.x(),
+                       drag.last.y(), drag.position.x(), drag.position.y());
 }
 
-void MyImage2::mouseReleaseEvent(QMouseEvent *event)
+void MyImage2::dragEnded(const PictureDrag &drag)
 {
-    const Qt::MouseButtons held = event->buttons();
-    if (leftDown && !(held & Qt::LeftButton)) {
-        const QPixmap picture = pictureOf(*this);
-        if (picture.isNull())
-            return; // the picture vanished in mid-drag: the flags wait for the next release
-        const PictureDrag drag = pictureScaleOf(*this, picture).drag(pressPos, event->pos());
-        emit mouseleftup(drag.position.x(), drag.position.y());
-        emit size_changed(drag.press.x(), drag.press.y(), drag.radius);
-    }
-    forgetReleased(*this, held);
+    emit mouseleftup(drag.position.x(), drag.position.y());
+    emit size_changed(drag.press.x(), drag.press.y(), drag.radius);
 }
 
-void MyImage2::paintEvent(QPaintEvent *)
+void MyImage2::rightReleased()
 {
-    paintPicture(*this);
+    emit mouserightup();
 }

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "picturelabel.h"
+
 #include <QImage>
-#include <QLabel>
 #include <QMainWindow>
 
 #include <memory>
@@ -38,16 +39,12 @@ private:
 
 /// The map in the preview window. Reports mouse gestures like the photograph's widget, but knows no circle
 /// and reports no moves without a button; nobody listens yet.
-class MyImage2 : public QLabel
+class MyImage2 : public PictureLabel
 {
     Q_OBJECT
 
 public:
     explicit MyImage2(QWidget *parent = nullptr);
-
-    bool leftDown = false;  ///< the left button went down on a picture and has not been released
-    bool rightDown = false; ///< the right button went down and has not been released
-    QPoint pressPos;        ///< where the left button went down last, in widget pixels
 
 signals:
     void mouseleftdown(int x, int y);
@@ -58,8 +55,8 @@ signals:
     void size_changing(int cx, int cy, int x1, int y1, int x2, int y2, int x, int y);
 
 protected:
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void paintEvent(QPaintEvent *event) override;
+    void leftPressed(QPoint position) override;
+    void dragged(const PictureDrag &drag) override;
+    void dragEnded(const PictureDrag &drag) override;
+    void rightReleased() override;
 };
