@@ -17,6 +17,7 @@
 
 class PreviewWindow;
 class QTimer;
+class Status;
 struct Setting;
 
 namespace Ui
@@ -152,6 +153,12 @@ private slots:
     void on_btnSizeDown_pressed();
 
 private:
+    struct BatchCount {
+        int inputs = 0;
+        int succeeded = 0;
+        int failed = 0; // a stopped run counts the inputs that it did not reach nowhere
+    };
+
     void readTexts();
     QVector<Setting> settings();
     SelectionCircle circle() const;
@@ -167,6 +174,9 @@ private:
     MapParameters mapParameters() const;
     QImage convertPhotograph(AzimuthStep azimuthStep);
     void confirmSaved(const QString &title, const QString &path);
+    BatchCount convertFiles(Status &status);
+    bool saveMapOfFile(const QString &input, int position);
+    void reportBatch(const BatchCount &count);
 
     CircleOverlay circleOverlay; // what the label shows
 };

@@ -13,6 +13,27 @@
 #include <QFileInfo>
 #include <QMessageBox>
 
+namespace
+{
+
+/// While it lives, nothing but the Stop button can be used. Disabling the window disables its child dialog too.
+class OnlyStopEnabled
+{
+public:
+    OnlyStopEnabled(QWidget &window, Status &status) : m_window(window)
+    {
+        m_window.setEnabled(false);
+        status.setEnabled(true);
+    }
+    ~OnlyStopEnabled() { m_window.setEnabled(true); }
+    Q_DISABLE_COPY(OnlyStopEnabled)
+
+private:
+    QWidget &m_window;
+};
+
+} // namespace
+
 void MainWindow::on_actionBatch_Convert_triggered()
 {
     configConvert();
@@ -49,8 +70,7 @@ void MainWindow::batchConvert()
 {
     Status status(this);
     qDebug() << "batchConvert";
-    const int count = fileList.size();
-    status.setMax(count);
+    status.setMax(fileList.size());
     status.setStop(showString.value("batch_btn_stop"));
     fileList = orderedInputs(fileList, sortType);
     if (sortType == SortByModified) {
@@ -64,14 +84,30 @@ void MainWindow::batchConvert()
         status.show();
         clearPicture();
     }
-    // Disabling the window disables its child dialog too; only Stop may be used from here on.
-    setEnabled(false);
-    status.setEnabled(true);
+    BatchCount count;
+    {
+        const OnlyStopEnabled enabled(*this, status);
+        count = convertFiles(status);
+        image = QImage();
+        clearPicture();
+    }
+    if (!interactive)
+        return;
 
+    status.hide();
+    if (shown && !isVisible())
+        return;
+    reportBatch(count);
+}
+
+MainWindow::BatchCount MainWindow::convertFiles(Status &status)
+{
+    const bool interactive = unattended == 0;
+    const bool shown = isVisible();
     const QStringList inputs = fileList;
-    int succeeded = 0;
-    int failed = 0;
-    for (int i = 0; i < count; ++i) {
+    BatchCount count;
+    count.inputs = inputs.size();
+    for (int i = 0; i < inputs.size(); ++i) {
         QCoreApplication::processEvents();
         // A window that was closed in the middle of the run has nobody left to run for.
         const bool closed = shown && !isVisible();
@@ -79,37 +115,35 @@ void MainWindow::batchConvert()
             break;
         image = QImage(); // the last photograph goes before the next one comes
         if (!image.load(inputs.at(i))) {
-            ++failed;
+            ++count.failed;
             continue;
         }
-        imageWidth = image.width();
-        imageHeight = image.height();
-        const QImage map = convertPhotograph(AzimuthStep::EmptiesMap);
-        // The numbers match list positions, not successes.
-        const QString path = outputPath(outputFolder, inputs.at(i), nameType, i, getFormat());
-        const bool refused = !overwrite && QFileInfo::exists(path);
-        if (!refused && saveMap(map, path, getFormatChar(), quality))
-            ++succeeded;
-        else
-            ++failed;
+        ++(saveMapOfFile(inputs.at(i), i) ? count.succeeded : count.failed);
         if (interactive)
             status.setCur(i + 1);
     }
+    return count;
+}
 
-    image = QImage();
-    clearPicture();
-    setEnabled(true);
-    if (!interactive)
-        return;
+// Converts the photograph just loaded. The numbers of the maps match list positions, not successes.
+bool MainWindow::saveMapOfFile(const QString &input, int position)
+{
+    imageWidth = image.width();
+    imageHeight = image.height();
+    const QImage map = convertPhotograph(AzimuthStep::EmptiesMap);
+    const QString path = outputPath(outputFolder, input, nameType, position, getFormat());
+    const bool refused = !overwrite && QFileInfo::exists(path);
+    return !refused && saveMap(map, path, getFormatChar(), quality);
+}
 
-    status.hide();
-    if (shown && !isVisible())
-        return;
+void MainWindow::reportBatch(const BatchCount &count)
+{
     QMessageBox box(this);
-    box.setText(succeeded == count ? showString.value("batch_success")
-                                   : showString.value("batch_fail1") + QString::number(succeeded) +
-                                         showString.value("batch_fail2") + QString::number(failed) +
-                                         showString.value("batch_fail3"));
+    box.setText(count.succeeded == count.inputs
+                    ? showString.value("batch_success")
+                    : showString.value("batch_fail1") + QString::number(count.succeeded) +
+                          showString.value("batch_fail2") + QString::number(count.failed) +
+                          showString.value("batch_fail3"));
     box.setWindowTitle(ui->actionBatch_Convert->text());
     box.setStandardButtons(QMessageBox::Ok);
     box.setDefaultButton(QMessageBox::Ok);
