@@ -1,4 +1,5 @@
 #include "mainwindow.h"
+#include "programarguments.h"
 
 #include <QApplication>
 #include <QFileInfo>
@@ -8,10 +9,6 @@
 
 namespace
 {
-
-// The start-up pass runs a second after construction; this ends a batch without inputs once it is over, even
-// while the pass shows a message.
-constexpr int batchWithoutInputsMs = 1500;
 
 void endBatchWithoutInputs()
 {
@@ -35,10 +32,12 @@ int main(int argc, char *argv[])
     window.langFile = base + "_lang.ini";
     window.readShowString();
 
-    const bool batch = arguments.size() >= 2 && arguments.at(1) == QLatin1String("/batch");
-    if (!batch)
+    const bool unattended = isUnattended(arguments);
+    if (!unattended)
         window.show();
-    else if (arguments.size() < 4)
-        QTimer::singleShot(batchWithoutInputsMs, &application, endBatchWithoutInputs);
+    else if (photographsOf(arguments, true).size() < 2) // nothing will close the hidden window
+        window.startUpPassBegins = [&application] {
+            QTimer::singleShot(0, &application, endBatchWithoutInputs); // even while the pass shows a message
+        };
     return QApplication::exec();
 }

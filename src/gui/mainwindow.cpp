@@ -3,6 +3,7 @@
 #include "inifile.h"
 #include "option.h"
 #include "previewwindow.h"
+#include "programarguments.h"
 #include "ui_mainwindow.h"
 #include "uitexts.h"
 
@@ -156,17 +157,14 @@ void MainWindow::closeApplication()
 // hidden window means a batch without a window.
 void MainWindow::timeout()
 {
-    QStringList arguments = QCoreApplication::arguments();
     qDebug() << "timeout";
     startTimer->stop();
-    if (!arguments.isEmpty())
-        arguments.removeFirst();
+    if (startUpPassBegins)
+        startUpPassBegins();
 
     const bool batchMode = !isVisible();
-    if (batchMode) {
-        if (!arguments.isEmpty())
-            arguments.removeFirst();
-    } else {
+    const QStringList photographs = photographsOf(QCoreApplication::arguments(), batchMode);
+    if (!batchMode) {
         setPictureScaled(autoSize);
         if (autoSize)
             ui->actionAuto_Size->setChecked(true);
@@ -179,16 +177,16 @@ void MainWindow::timeout()
         unattended = 0;
     }
 
-    if (!batchMode && arguments.size() == 1) {
-        loadFileName = arguments.first();
+    if (!batchMode && photographs.size() == 1) {
+        loadFileName = photographs.first();
         loadImage();
-    } else if (arguments.size() < 2) {
+    } else if (photographs.size() < 2) {
         if (!loadFileName.isEmpty())
             loadImage();
     } else {
-        for (const QString &argument : qAsConst(arguments)) {
-            qDebug() << argument;
-            fileList.append(argument);
+        for (const QString &photograph : photographs) {
+            qDebug() << photograph;
+            fileList.append(photograph);
         }
         if (batchMode && unattended == 1) {
             batchConvert();

@@ -12,6 +12,7 @@
 #include <QStringList>
 #include <QVector>
 
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -45,6 +46,9 @@ public:
 
     QString settingFile; ///< path of the settings file
     QString langFile;    ///< path of the language file
+
+    /// Called once, when the start-up pass begins; may be empty.
+    std::function<void()> startUpPassBegins;
 
 protected:
     void closeEvent(QCloseEvent *event) override;
