@@ -2,6 +2,7 @@
 #include "programarguments.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QTimer>
 
@@ -16,26 +17,37 @@ void endBatchWithoutInputs()
     QCoreApplication::exit(2);
 }
 
+/// Only right once there is an application: it sets the locale.
+QStringList decoded(int argc, char *argv[])
+{
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments.append(QFile::decodeName(argv[i]));
+    return arguments;
+}
+
 } // namespace
 
 int main(int argc, char *argv[])
 {
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true); // the icons' larger versions
-    QApplication application(argc, argv);
+    // Whatever follows the switch is a photograph, also where the toolkit would take it for an option of its own.
+    const bool unattended = isUnattended(argc, argv);
+    int argumentsForToolkit = unattended ? 1 : argc;
+    QApplication application(argumentsForToolkit, argv);
     MainWindow window;
+    window.arguments = unattended ? decoded(argc, argv) : QCoreApplication::arguments();
 
-    const QStringList arguments = QCoreApplication::arguments();
-    const QFileInfo program(arguments.first());
+    const QFileInfo program(window.arguments.first());
     const QString base = program.absolutePath() + '/' + program.baseName();
     window.settingFile = base + ".ini";
     window.langFile = base + "_lang.ini";
     window.readShowString();
 
-    const bool unattended = isUnattended(arguments);
     if (!unattended)
         window.show();
-    else if (photographsOf(arguments, true).size() < 2) // nothing will close the hidden window
+    else if (photographsOf(window.arguments, true).size() < 2) // nothing will close the hidden window
         window.startUpPassBegins = [&application] {
             QTimer::singleShot(0, &application, endBatchWithoutInputs); // even while the pass shows a message
         };

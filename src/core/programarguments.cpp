@@ -1,8 +1,8 @@
 #include "programarguments.h"
 
-bool isUnattended(const QStringList &arguments)
+bool isUnattended(int argc, const char *const *argv)
 {
-    return arguments.size() >= 2 && arguments.at(1) == QLatin1String("/batch");
+    return argc >= 2 && qstrcmp(argv[1], "/batch") == 0;
 }
 
 QStringList photographsOf(const QStringList &arguments, bool unattended)

@@ -163,7 +163,8 @@ void MainWindow::timeout()
         startUpPassBegins();
 
     const bool batchMode = !isVisible();
-    const QStringList photographs = photographsOf(QCoreApplication::arguments(), batchMode);
+    const QStringList photographs =
+        photographsOf(arguments.isEmpty() ? QCoreApplication::arguments() : arguments, batchMode);
     if (!batchMode) {
         setPictureScaled(autoSize);
         if (autoSize)

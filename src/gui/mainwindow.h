@@ -46,6 +46,7 @@ public:
 
     QString settingFile; ///< path of the settings file
     QString langFile;    ///< path of the language file
+    QStringList arguments; ///< the command line, program's name first; empty: what the application has of it
 
     /// Called once, when the start-up pass begins; may be empty.
     std::function<void()> startUpPassBegins;

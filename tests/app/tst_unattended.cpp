@@ -62,6 +62,7 @@ private slots:
     void sampleSeriesAsANewcomerRunsIt();
     void twoPathsWriteTwoMapsAndTheSettings();
     void relativeAndUnusualPaths();
+    void namesOfToolkitOptionsArePhotographs();
     void settingsFileIsNamedUpToTheFirstDot();
     void throughALink();
     void fewerThanTwoPathsIsAUsageError_data();
@@ -123,6 +124,24 @@ void tst_Unattended::relativeAndUnusualPaths()
     QCOMPARE(result.exitCode, 0);
     COMPARE_IMAGES(QImage(folder.filePath("photo000.png")), smallReference(photographs.at(0)));
     COMPARE_IMAGES(QImage(folder.filePath("地球 𠮷 の写真.png")), smallReference(photographs.at(1)));
+}
+
+// The toolkit would take them for its own, and end the program over the second one.
+void tst_Unattended::namesOfToolkitOptionsArePhotographs()
+{
+    const ProgramFolder folder;
+    const QStringList names{"-style=x.png", "-platform", "-reverse", "-stylesheet"};
+    const QStringList photographs = writePhotographs(folder, names.size());
+    for (int i = 0; i < names.size(); ++i)
+        QVERIFY(QFile::rename(photographs.at(i), folder.filePath(names.at(i))));
+    QVERIFY(QDir(folder.filePath(".")).mkdir("maps"));
+    folder.write("ovmic.ini", settingsText(folder.filePath("maps"), smallMap));
+    const ProgramFolder::Result result = folder.run(QStringList{"/batch"} + names);
+    QVERIFY(result.finished);
+    QCOMPARE(result.exitCode, 0);
+    QStringList maps = QDir(folder.filePath("maps")).entryList(QDir::Files);
+    maps.sort();
+    QCOMPARE(maps, (QStringList{"-platform.png", "-reverse.png", "-style=x.png", "-stylesheet.png"}));
 }
 
 void tst_Unattended::settingsFileIsNamedUpToTheFirstDot()

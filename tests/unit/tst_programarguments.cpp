@@ -31,7 +31,13 @@ void tst_ProgramArguments::onlyTheExactSwitchIsUnattended_data()
 void tst_ProgramArguments::onlyTheExactSwitchIsUnattended()
 {
     QFETCH(QStringList, arguments);
-    QTEST(isUnattended(arguments), "unattended");
+    QList<QByteArray> bytes;
+    QVector<const char *> argv;
+    for (const QString &argument : arguments)
+        bytes.append(argument.toUtf8());
+    for (const QByteArray &argument : qAsConst(bytes))
+        argv.append(argument.constData());
+    QTEST(isUnattended(argv.size(), argv.constData()), "unattended");
 }
 
 void tst_ProgramArguments::photographsFollowNameAndSwitch_data()
