@@ -158,6 +158,7 @@ private slots:
     void on_btnSizeDown_pressed();
 
 private:
+    struct BatchRun;
     struct BatchCount {
         int inputs = 0;
         int succeeded = 0;
@@ -177,10 +178,10 @@ private:
     void startStepping(int dx, int dy, int dr);
     void finishStepping(int dx, int dy, int dr);
     MapParameters mapParameters() const;
-    QImage convertPhotograph(AzimuthStep azimuthStep);
+    QImage convertPhotograph(const MapParameters &parameters, AzimuthStep azimuthStep);
     void confirmSaved(const QString &title, const QString &path);
     BatchCount convertFiles(Status &status);
-    bool saveMapOfFile(const QString &input, int position);
+    bool saveMapOfFile(const BatchRun &run, int position);
     void reportBatch(const BatchCount &count);
 
     CircleOverlay circleOverlay; // what the label shows

@@ -13,6 +13,17 @@
 #include <QFileInfo>
 #include <QMessageBox>
 
+/// What a run works with from its start to its end.
+struct MainWindow::BatchRun {
+    QStringList inputs;
+    MapParameters parameters;
+    QString outputFolder;
+    int nameType;
+    bool overwrite;
+    const char *format;
+    int quality;
+};
+
 namespace
 {
 
@@ -104,7 +115,11 @@ MainWindow::BatchCount MainWindow::convertFiles(Status &status)
 {
     const bool interactive = unattended == 0;
     const bool shown = isVisible();
-    const QStringList inputs = fileList;
+    // Events run during a conversion, and a button that is held goes on stepping: all maps of one run have the
+    // circle and the values of its start.
+    const BatchRun run = {fileList,  mapParameters(), outputFolder, nameType,
+                          overwrite, getFormatChar(), quality};
+    const QStringList &inputs = run.inputs;
     BatchCount count;
     count.inputs = inputs.size();
     for (int i = 0; i < inputs.size(); ++i) {
@@ -118,7 +133,7 @@ MainWindow::BatchCount MainWindow::convertFiles(Status &status)
             ++count.failed;
             continue;
         }
-        ++(saveMapOfFile(inputs.at(i), i) ? count.succeeded : count.failed);
+        ++(saveMapOfFile(run, i) ? count.succeeded : count.failed);
         if (interactive)
             status.setCur(i + 1);
     }
@@ -126,14 +141,15 @@ MainWindow::BatchCount MainWindow::convertFiles(Status &status)
 }
 
 // Converts the photograph just loaded. The numbers of the maps match list positions, not successes.
-bool MainWindow::saveMapOfFile(const QString &input, int position)
+bool MainWindow::saveMapOfFile(const BatchRun &run, int position)
 {
     imageWidth = image.width();
     imageHeight = image.height();
-    const QImage map = convertPhotograph(AzimuthStep::EmptiesMap);
-    const QString path = outputPath(outputFolder, input, nameType, position, getFormat());
-    const bool refused = !overwrite && QFileInfo::exists(path);
-    return !refused && saveMap(map, path, getFormatChar(), quality);
+    const QImage map = convertPhotograph(run.parameters, AzimuthStep::EmptiesMap);
+    const QString path =
+        outputPath(run.outputFolder, run.inputs.at(position), run.nameType, position, run.format);
+    const bool refused = !run.overwrite && QFileInfo::exists(path);
+    return !refused && saveMap(map, path, run.format, run.quality);
 }
 
 void MainWindow::reportBatch(const BatchCount &count)

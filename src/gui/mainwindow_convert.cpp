@@ -40,10 +40,9 @@ const char *MainWindow::getFormatChar() const
 
 // Events run while the chain does: a slot may load another photograph or start a conversion on top of this
 // one.
-QImage MainWindow::convertPhotograph(AzimuthStep azimuthStep)
+QImage MainWindow::convertPhotograph(const MapParameters &parameters, AzimuthStep azimuthStep)
 {
     const QImage photograph = image;
-    const MapParameters parameters = mapParameters();
     const OutputRatio ratio =
         outputRatio(photograph.size(), {parameters.outputSizeX, parameters.outputSizeY});
     ratioX = ratio.x;
@@ -56,7 +55,7 @@ QImage MainWindow::convertImage()
     qDebug() << "convertImage";
     if (image.isNull())
         return {};
-    const QImage map = convertPhotograph(AzimuthStep::Rotates);
+    const QImage map = convertPhotograph(mapParameters(), AzimuthStep::Rotates);
     if (previewWindow->isVisible())
         previewWindow->setImage(map);
     return map;

@@ -82,6 +82,7 @@ private slots:
     void escapeAndTitleBarMeanStop();
     void progressSkipsUnreadableInputs();
     void onlyStopCanBeUsedMeanwhile();
+    void allMapsHaveTheValuesOfTheStart();
     void noPictureAfterwards();
     void unattendedShowsNothing();
     void closingTheWindowEndsTheRun();
@@ -403,6 +404,33 @@ void tst_Batch::onlyStopCanBeUsedMeanwhile()
     QVERIFY(pictureGone);
     QVERIFY(m_window->isEnabled());
     QVERIFY(m_window->findChild<Status *>() == nullptr);
+}
+
+// A button that was released outside itself goes on stepping, and events run during every conversion.
+void tst_Batch::allMapsHaveTheValuesOfTheStart()
+{
+    QStringList paths;
+    for (int i = 0; i < 4; ++i)
+        paths.append(photograph(QStringLiteral("p%1.png").arg(i), i + 1));
+    m_window->fileList = paths;
+    const WhenTrue change([&] { return isConverting(paths.at(1)); },
+                          [&] {
+                              m_window->slot("on_btnSizeUp_pressed");
+                              m_window->stepDelay = 0;
+                              m_window->slot("click_timer");
+                              m_window->latitude = -20;
+                              m_window->outputSizeX = 32;
+                              m_window->format = 0;
+                              m_window->nameType = 1;
+                              m_window->outputFolder = m_window->filePath("elsewhere");
+                          });
+    run(successText);
+    m_window->clickTimer->stop();
+    QVERIFY(change.happened());
+    QVERIFY(m_window->radius > 18); // the button has stepped
+    QCOMPARE(outputs(), (QStringList{"p0.png", "p1.png", "p2.png", "p3.png"}));
+    for (const QString &name : outputs())
+        COMPARE_IMAGES(QImage(output(name)), expectedMap(m_window->filePath(name)));
 }
 
 void tst_Batch::noPictureAfterwards()
