@@ -17,6 +17,17 @@ void endBatchWithoutInputs()
     QCoreApplication::exit(2);
 }
 
+/// A batch shows nothing, so it needs no display; without this the toolkit aborts where there is none.
+void chooseOffscreenWithoutDisplay()
+{
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    const bool display =
+        !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    if (!display && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+#endif
+}
+
 /// Only right once there is an application: it sets the locale.
 QStringList decoded(int argc, char *argv[])
 {
@@ -35,6 +46,8 @@ int main(int argc, char *argv[])
     // Whatever follows the switch is a photograph, also where the toolkit would take it for an option of its own.
     const bool unattended = isUnattended(argc, argv);
     int argumentsForToolkit = unattended ? 1 : argc;
+    if (unattended)
+        chooseOffscreenWithoutDisplay();
     QApplication application(argumentsForToolkit, argv);
     MainWindow window;
     window.arguments = unattended ? decoded(argc, argv) : QCoreApplication::arguments();

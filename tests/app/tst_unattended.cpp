@@ -63,6 +63,7 @@ private slots:
     void twoPathsWriteTwoMapsAndTheSettings();
     void relativeAndUnusualPaths();
     void namesOfToolkitOptionsArePhotographs();
+    void needsNoDisplay();
     void settingsFileIsNamedUpToTheFirstDot();
     void throughALink();
     void fewerThanTwoPathsIsAUsageError_data();
@@ -142,6 +143,24 @@ void tst_Unattended::namesOfToolkitOptionsArePhotographs()
     QStringList maps = QDir(folder.filePath("maps")).entryList(QDir::Files);
     maps.sort();
     QCOMPARE(maps, (QStringList{"-platform.png", "-reverse.png", "-style=x.png", "-stylesheet.png"}));
+}
+
+void tst_Unattended::needsNoDisplay()
+{
+    const ProgramFolder folder;
+    const QStringList photographs = writePhotographs(folder, 2);
+    QVERIFY(QDir(folder.filePath(".")).mkdir("maps"));
+    folder.write("ovmic.ini", settingsText(folder.filePath("maps"), smallMap));
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    for (const char *name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+        environment.remove(name);
+    process.setProcessEnvironment(environment);
+    folder.start(process, QStringList{"/batch"} + photographs);
+    QVERIFY(process.waitForFinished(60000));
+    QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(process.exitCode(), 0);
+    QCOMPARE(QDir(folder.filePath("maps")).entryList(QDir::Files).size(), 2);
 }
 
 void tst_Unattended::settingsFileIsNamedUpToTheFirstDot()
