@@ -35,7 +35,7 @@ const QMap<QString, QStringList> &vocabulary()
 
 QString path(const QString &language)
 {
-    return QFINDTESTDATA("../lang") + QLatin1Char('/') + language + QStringLiteral("/ovmic_lang.ini");
+    return QFINDTESTDATA("../../lang") + QLatin1Char('/') + language + QStringLiteral("/ovmic_lang.ini");
 }
 
 QStringList sorted(QStringList list)
@@ -56,7 +56,7 @@ private:
     {
         QTest::addColumn<QString>("language");
         const QStringList languages =
-            QDir(QFINDTESTDATA("../lang")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+            QDir(QFINDTESTDATA("../../lang")).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
         QVERIFY(languages.contains(QStringLiteral("en")));
         for (const QString &language : languages)
             QTest::newRow(qUtf8Printable(language)) << language;

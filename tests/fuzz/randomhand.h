@@ -1,6 +1,6 @@
 #pragma once
 
-#include "../gui/freshwindow.h"
+#include "freshwindow.h"
 
 #include <QStringList>
 
