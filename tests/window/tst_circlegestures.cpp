@@ -8,7 +8,7 @@
 Q_DECLARE_METATYPE(QImage::Format)
 
 /// Marking the disc with the mouse: events of the window system over the shown picture.
-class tst_Circle : public QObject
+class tst_CircleGestures : public QObject
 {
     Q_OBJECT
 
@@ -53,17 +53,17 @@ private:
     std::unique_ptr<CircleWindow> m_window;
 };
 
-void tst_Circle::init()
+void tst_CircleGestures::init()
 {
     m_window = std::make_unique<CircleWindow>();
 }
 
-void tst_Circle::cleanup()
+void tst_CircleGestures::cleanup()
 {
     m_window.reset();
 }
 
-void tst_Circle::typedCircleIsDrawn_data()
+void tst_CircleGestures::typedCircleIsDrawn_data()
 {
     QTest::addColumn<int>("centerX");
     QTest::addColumn<int>("centerY");
@@ -77,7 +77,7 @@ void tst_Circle::typedCircleIsDrawn_data()
     QTest::newRow("nothing in the picture") << 5000 << 5000 << 10;
 }
 
-void tst_Circle::typedCircleIsDrawn()
+void tst_CircleGestures::typedCircleIsDrawn()
 {
     QFETCH(int, centerX);
     QFETCH(int, centerY);
@@ -91,7 +91,7 @@ void tst_Circle::typedCircleIsDrawn()
     COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(typed));
 }
 
-void tst_Circle::everyPhotographIsShownAsArgb32_data()
+void tst_CircleGestures::everyPhotographIsShownAsArgb32_data()
 {
     QTest::addColumn<QImage::Format>("format");
     QTest::newRow("opaque") << QImage::Format_RGB32;
@@ -100,7 +100,7 @@ void tst_Circle::everyPhotographIsShownAsArgb32_data()
     QTest::newRow("palette") << QImage::Format_Indexed8;
 }
 
-void tst_Circle::everyPhotographIsShownAsArgb32()
+void tst_CircleGestures::everyPhotographIsShownAsArgb32()
 {
     QFETCH(QImage::Format, format);
     const QImage photograph = colourfulPhotograph({300, 280}, format);
@@ -110,14 +110,14 @@ void tst_Circle::everyPhotographIsShownAsArgb32()
     COMPARE_IMAGES(m_window->image, photograph);
 }
 
-void tst_Circle::hiddenCircleLeavesThePhotograph()
+void tst_CircleGestures::hiddenCircleLeavesThePhotograph()
 {
     m_window->selectShow = false;
     m_window->updateSelect();
     COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
 }
 
-void tst_Circle::penIsTheWindowsPen()
+void tst_CircleGestures::penIsTheWindowsPen()
 {
     m_window->penColor = QColor(0, 40, 200, 120);
     m_window->penSize = 9;
@@ -126,14 +126,14 @@ void tst_Circle::penIsTheWindowsPen()
                    uncachedPicture(m_window->image, CircleWindow::firstCircle, QColor(0, 40, 200, 120), 9));
 }
 
-void tst_Circle::drawANewCircle_data()
+void tst_CircleGestures::drawANewCircle_data()
 {
     QTest::addColumn<bool>("fitted");
     QTest::newRow("picture at 1:1") << false;
     QTest::newRow("picture fitted to half its size") << true;
 }
 
-void tst_Circle::drawANewCircle()
+void tst_CircleGestures::drawANewCircle()
 {
     QFETCH(bool, fitted);
     if (fitted)
@@ -165,7 +165,7 @@ void tst_Circle::drawANewCircle()
     COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(drawn));
 }
 
-void tst_Circle::drawingShowsASolidSquare()
+void tst_CircleGestures::drawingShowsASolidSquare()
 {
     const SelectionCircle circle{100, 100, 40};
     const QImage dotted = m_window->uncached(circle, Qt::DotLine);
@@ -179,7 +179,7 @@ void tst_Circle::drawingShowsASolidSquare()
     COMPARE_IMAGES(m_window->shownPicture(), dotted);
 }
 
-void tst_Circle::dragAlongOneAxisDrawsNoFeedback_data()
+void tst_CircleGestures::dragAlongOneAxisDrawsNoFeedback_data()
 {
     QTest::addColumn<QPoint>("position");
     QTest::newRow("to the right") << QPoint(180, 120);
@@ -189,7 +189,7 @@ void tst_Circle::dragAlongOneAxisDrawsNoFeedback_data()
     QTest::newRow("nowhere") << QPoint(100, 120);
 }
 
-void tst_Circle::dragAlongOneAxisDrawsNoFeedback()
+void tst_CircleGestures::dragAlongOneAxisDrawsNoFeedback()
 {
     QFETCH(QPoint, position);
     m_window->click({40, 40}, Qt::RightButton);
@@ -202,7 +202,7 @@ void tst_Circle::dragAlongOneAxisDrawsNoFeedback()
                    m_window->uncached(SelectionCircle{100, 120, 40}, Qt::SolidLine));
 }
 
-void tst_Circle::circlesBelowFivePixelsAreDropped_data()
+void tst_CircleGestures::circlesBelowFivePixelsAreDropped_data()
 {
     QTest::addColumn<bool>("fitted");
     QTest::addColumn<QPoint>("release");
@@ -218,7 +218,7 @@ void tst_Circle::circlesBelowFivePixelsAreDropped_data()
     QTest::newRow("fitted, 3 pixels of the screen") << true << QPoint(104, 124) << 6;
 }
 
-void tst_Circle::circlesBelowFivePixelsAreDropped()
+void tst_CircleGestures::circlesBelowFivePixelsAreDropped()
 {
     QFETCH(bool, fitted);
     QFETCH(QPoint, release);
@@ -241,7 +241,7 @@ void tst_Circle::circlesBelowFivePixelsAreDropped()
         COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{100, 120, radius}));
 }
 
-void tst_Circle::dragAtAHandleMoves_data()
+void tst_CircleGestures::dragAtAHandleMoves_data()
 {
     QTest::addColumn<bool>("fitted");
     QTest::addColumn<QPoint>("handle");
@@ -258,7 +258,7 @@ void tst_Circle::dragAtAHandleMoves_data()
     QTest::addRow("1:1, 105 pixels from the centre at the right") << false << QPoint(305, 200);
 }
 
-void tst_Circle::dragAtAHandleMoves()
+void tst_CircleGestures::dragAtAHandleMoves()
 {
     QFETCH(bool, fitted);
     QFETCH(QPoint, handle);
@@ -284,7 +284,7 @@ void tst_Circle::dragAtAHandleMoves()
     COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(moved));
 }
 
-void tst_Circle::centreHandleComesFirst()
+void tst_CircleGestures::centreHandleComesFirst()
 {
     m_window->setCircle({200, 200, 2});
     m_window->press({203, 200});
@@ -293,7 +293,7 @@ void tst_Circle::centreHandleComesFirst()
     QCOMPARE(circleOf(*m_window), SelectionCircle({210, 190, 2}));
 }
 
-void tst_Circle::dragAtACornerResizes_data()
+void tst_CircleGestures::dragAtACornerResizes_data()
 {
     QTest::addColumn<bool>("fitted");
     QTest::addColumn<QPoint>("corner");
@@ -308,7 +308,7 @@ void tst_Circle::dragAtACornerResizes_data()
     QTest::addRow("1:1, 105 pixels from the centre both ways") << false << QPoint(305, 305);
 }
 
-void tst_Circle::dragAtACornerResizes()
+void tst_CircleGestures::dragAtACornerResizes()
 {
     QFETCH(bool, fitted);
     QFETCH(QPoint, corner);
@@ -335,7 +335,7 @@ void tst_Circle::dragAtACornerResizes()
     COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(resized));
 }
 
-void tst_Circle::pressInsideDoesNothing()
+void tst_CircleGestures::pressInsideDoesNothing()
 {
     const QPoint inside(240, 240);
     QCOMPARE(conversionsDuring([&] {
@@ -352,7 +352,7 @@ void tst_Circle::pressInsideDoesNothing()
     COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
 }
 
-void tst_Circle::pressOutsideRemovesTheCircle()
+void tst_CircleGestures::pressOutsideRemovesTheCircle()
 {
     const QPoint outside(309, 200);
     m_window->press(outside);
@@ -368,7 +368,7 @@ void tst_Circle::pressOutsideRemovesTheCircle()
     COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
 }
 
-void tst_Circle::removalStaysArmed()
+void tst_CircleGestures::removalStaysArmed()
 {
     m_window->click({309, 200});
     QVERIFY(!m_window->selectShow);
@@ -389,7 +389,7 @@ void tst_Circle::removalStaysArmed()
     QVERIFY(m_window->clearPending);
 }
 
-void tst_Circle::pressDecidesInOrder_data()
+void tst_CircleGestures::pressDecidesInOrder_data()
 {
     QTest::addColumn<int>("radius");
     QTest::addColumn<QPoint>("offset");
@@ -416,7 +416,7 @@ void tst_Circle::pressDecidesInOrder_data()
         << -30 << centre << false << true << false << false;
 }
 
-void tst_Circle::pressDecidesInOrder()
+void tst_CircleGestures::pressDecidesInOrder()
 {
     QFETCH(int, radius);
     QFETCH(QPoint, offset);
@@ -434,7 +434,7 @@ void tst_Circle::pressDecidesInOrder()
     QCOMPARE(circleOf(*m_window), SelectionCircle({200, 200, radius}));
 }
 
-void tst_Circle::resizingGoesBeforeMoving()
+void tst_CircleGestures::resizingGoesBeforeMoving()
 {
     m_window->resizing = true; // left over from a drag whose picture vanished
     m_window->press({200, 200});
@@ -447,7 +447,7 @@ void tst_Circle::resizingGoesBeforeMoving()
     QVERIFY(m_window->moving);
 }
 
-void tst_Circle::rightClickToggles()
+void tst_CircleGestures::rightClickToggles()
 {
     QCOMPARE(conversionsDuring([&] { m_window->press({10, 10}, Qt::RightButton); }), 0);
     QVERIFY(m_window->selectShow); // the release decides
@@ -462,7 +462,7 @@ void tst_Circle::rightClickToggles()
     COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
 }
 
-void tst_Circle::rightClickWithoutARadiusShowsNothing_data()
+void tst_CircleGestures::rightClickWithoutARadiusShowsNothing_data()
 {
     QTest::addColumn<int>("radius");
     QTest::newRow("radius 0") << 0;
@@ -470,7 +470,7 @@ void tst_Circle::rightClickWithoutARadiusShowsNothing_data()
     QTest::newRow("lowest radius") << INT_MIN;
 }
 
-void tst_Circle::rightClickWithoutARadiusShowsNothing()
+void tst_CircleGestures::rightClickWithoutARadiusShowsNothing()
 {
     QFETCH(int, radius);
     m_window->click({10, 10}, Qt::RightButton);
@@ -481,7 +481,7 @@ void tst_Circle::rightClickWithoutARadiusShowsNothing()
     COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(std::nullopt));
 }
 
-void tst_Circle::rightClickWithoutAPhotographToggles()
+void tst_CircleGestures::rightClickWithoutAPhotographToggles()
 {
     FreshWindow window;
     window.radius = 10;
@@ -494,7 +494,7 @@ void tst_Circle::rightClickWithoutAPhotographToggles()
     QVERIFY(!window.ui->label->selectMode);
 }
 
-void tst_Circle::rightClickDuringADragEndsIt()
+void tst_CircleGestures::rightClickDuringADragEndsIt()
 {
     m_window->press({200, 200});
     m_window->moveTo({220, 220});
@@ -512,7 +512,7 @@ void tst_Circle::rightClickDuringADragEndsIt()
     QVERIFY(m_window->selectShow);
 }
 
-void tst_Circle::gesturesWithoutAPhotographDoNothing()
+void tst_CircleGestures::gesturesWithoutAPhotographDoNothing()
 {
     FreshWindow window;
     MyImage *label = window.ui->label;
@@ -532,7 +532,7 @@ void tst_Circle::gesturesWithoutAPhotographDoNothing()
     QVERIFY(!window.selectShow);
 }
 
-void tst_Circle::clickedDoesNothing()
+void tst_CircleGestures::clickedDoesNothing()
 {
     const MessageCollector collector;
     emit m_window->ui->label->clicked(200, 200);
@@ -541,7 +541,7 @@ void tst_Circle::clickedDoesNothing()
     QCOMPARE(collector.messages(), QStringList());
 }
 
-void tst_Circle::everySignalOfThePictureReachesItsSlot()
+void tst_CircleGestures::everySignalOfThePictureReachesItsSlot()
 {
     MyImage *label = m_window->ui->label;
     emit label->mouseleftdown(200, 200);
@@ -558,5 +558,5 @@ void tst_Circle::everySignalOfThePictureReachesItsSlot()
     QCOMPARE(circleOf(*m_window), SelectionCircle({50, 60, 5}));
 }
 
-WINDOW_TEST_MAIN(tst_Circle)
-#include "tst_circle.moc"
+WINDOW_TEST_MAIN(tst_CircleGestures)
+#include "tst_circlegestures.moc"

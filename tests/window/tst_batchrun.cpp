@@ -57,7 +57,7 @@ private:
 
 } // namespace
 
-class tst_Batch : public QObject
+class tst_BatchRun : public QObject
 {
     Q_OBJECT
 
@@ -110,7 +110,7 @@ private:
     std::unique_ptr<FreshWindow> m_window;
 };
 
-void tst_Batch::init()
+void tst_BatchRun::init()
 {
     m_window = std::make_unique<FreshWindow>();
     QVERIFY(QDir(m_window->folder()).mkdir("out"));
@@ -124,12 +124,12 @@ void tst_Batch::init()
     m_window->outputFolder = m_window->filePath("out");
 }
 
-void tst_Batch::cleanup()
+void tst_BatchRun::cleanup()
 {
     m_window.reset();
 }
 
-QString tst_Batch::photograph(const QString &name, int seed)
+QString tst_BatchRun::photograph(const QString &name, int seed)
 {
     QImage picture(60, 40, QImage::Format_RGB32);
     for (int y = 0; y < 40; ++y) {
@@ -142,7 +142,7 @@ QString tst_Batch::photograph(const QString &name, int seed)
     return path;
 }
 
-void tst_Batch::run(const QString &message)
+void tst_BatchRun::run(const QString &message)
 {
     ModalDriver driver;
     driver.expectMessage(
@@ -151,13 +151,13 @@ void tst_Batch::run(const QString &message)
     QVERIFY(driver.done());
 }
 
-QImage tst_Batch::expectedMap(const QString &path) const
+QImage tst_BatchRun::expectedMap(const QString &path) const
 {
     const QImage source = QImage(path).convertToFormat(QImage::Format_ARGB32);
     return reference::convert(source, {30, 20, 18, 6.6, 64, 32, 35, 139, 0});
 }
 
-void tst_Batch::everyMapEqualsTheReference()
+void tst_BatchRun::everyMapEqualsTheReference()
 {
     m_window->fileList = QStringList{photograph("a.png", 1), photograph("b.png", 2), photograph("c.png", 3)};
     run(successText);
@@ -169,13 +169,13 @@ void tst_Batch::everyMapEqualsTheReference()
     QCOMPARE(m_window->ratioY, 16.0 / 40);
 }
 
-void tst_Batch::noInputs()
+void tst_BatchRun::noInputs()
 {
     run(successText);
     QVERIFY(m_window->isEnabled());
 }
 
-void tst_Batch::noInputsUnattended()
+void tst_BatchRun::noInputsUnattended()
 {
     m_window->unattended = 1;
     ModalDriver driver;
@@ -183,7 +183,7 @@ void tst_Batch::noInputsUnattended()
     QVERIFY(driver.done());
 }
 
-void tst_Batch::twoInputsOfOneName_data()
+void tst_BatchRun::twoInputsOfOneName_data()
 {
     QTest::addColumn<bool>("overwrite");
     QTest::addColumn<QString>("message");
@@ -192,7 +192,7 @@ void tst_Batch::twoInputsOfOneName_data()
     QTest::newRow("the second is refused") << false << failureText(1, 1) << 1;
 }
 
-void tst_Batch::twoInputsOfOneName()
+void tst_BatchRun::twoInputsOfOneName()
 {
     QFETCH(bool, overwrite);
     QFETCH(QString, message);
@@ -205,7 +205,7 @@ void tst_Batch::twoInputsOfOneName()
     COMPARE_IMAGES(QImage(output("a.png")), expectedMap(photograph("again.png", seed)));
 }
 
-void tst_Batch::numbersMatchListPositions()
+void tst_BatchRun::numbersMatchListPositions()
 {
     m_window->nameType = 1;
     m_window->fileList =
@@ -215,7 +215,7 @@ void tst_Batch::numbersMatchListPositions()
     COMPARE_IMAGES(QImage(output("map_2.png")), expectedMap(m_window->filePath("c.png")));
 }
 
-void tst_Batch::azimuthWithoutLaterStepsFailsEverySave()
+void tst_BatchRun::azimuthWithoutLaterStepsFailsEverySave()
 {
     m_window->azimuth = 30;
     m_window->latitude = 90;
@@ -225,7 +225,7 @@ void tst_Batch::azimuthWithoutLaterStepsFailsEverySave()
     QCOMPARE(outputs(), QStringList());
 }
 
-void tst_Batch::azimuthWithLaterStepsGivesEmptyMaps()
+void tst_BatchRun::azimuthWithLaterStepsGivesEmptyMaps()
 {
     m_window->azimuth = 30;
     m_window->fileList = QStringList{photograph("a.png")};
@@ -239,7 +239,7 @@ void tst_Batch::azimuthWithLaterStepsGivesEmptyMaps()
     QCOMPARE(QImage(output("a.jpg")).pixelColor(32, 16), QColor(Qt::black));
 }
 
-void tst_Batch::sortedByPath()
+void tst_BatchRun::sortedByPath()
 {
     m_window->nameType = 1;
     m_window->fileList = QStringList{photograph("img9.png", 9), photograph("img10.png", 10),
@@ -252,7 +252,7 @@ void tst_Batch::sortedByPath()
         COMPARE_IMAGES(QImage(output(QStringLiteral("map_%1.png").arg(i))), expectedMap(order.at(i)));
 }
 
-void tst_Batch::sortedByTimeNewestFirst()
+void tst_BatchRun::sortedByTimeNewestFirst()
 {
     m_window->sortType = 1;
     const QStringList paths{photograph("old.png"), photograph("newest.png"), photograph("middle.png")};
@@ -278,7 +278,7 @@ void tst_Batch::sortedByTimeNewestFirst()
         QCOMPARE(written.takeFirst(), '"' + path + '"');
 }
 
-void tst_Batch::unsortedKeepsTheOrder()
+void tst_BatchRun::unsortedKeepsTheOrder()
 {
     m_window->sortType = 2;
     const QStringList order{photograph("b.png"), photograph("a.png"), photograph("c.png")};
@@ -287,7 +287,7 @@ void tst_Batch::unsortedKeepsTheOrder()
     QCOMPARE(QStringList(m_window->fileList), order);
 }
 
-void tst_Batch::stopDuringTheThirdOfTen()
+void tst_BatchRun::stopDuringTheThirdOfTen()
 {
     QStringList paths;
     for (int i = 0; i < 10; ++i)
@@ -316,7 +316,7 @@ void tst_Batch::stopDuringTheThirdOfTen()
     COMPARE_IMAGES(QImage(output("p2.png")), expectedMap(paths.at(2)));
 }
 
-void tst_Batch::stopDuringTheLastFileStillReportsSuccess()
+void tst_BatchRun::stopDuringTheLastFileStillReportsSuccess()
 {
     // A single file: whatever fires after it was loaded fires in the middle of its conversion.
     m_window->fileList = QStringList{photograph("a.png")};
@@ -331,14 +331,14 @@ void tst_Batch::stopDuringTheLastFileStillReportsSuccess()
     QCOMPARE(outputs(), QStringList{"a.png"});
 }
 
-void tst_Batch::escapeAndTitleBarMeanStop_data()
+void tst_BatchRun::escapeAndTitleBarMeanStop_data()
 {
     QTest::addColumn<bool>("titleBar");
     QTest::newRow("Esc") << false;
     QTest::newRow("title bar") << true;
 }
 
-void tst_Batch::escapeAndTitleBarMeanStop()
+void tst_BatchRun::escapeAndTitleBarMeanStop()
 {
     QFETCH(bool, titleBar);
     m_window->fileList = QStringList{photograph("a.png", 1), photograph("b.png", 2), photograph("c.png", 3)};
@@ -357,7 +357,7 @@ void tst_Batch::escapeAndTitleBarMeanStop()
     QVERIFY(stayed);
 }
 
-void tst_Batch::progressSkipsUnreadableInputs()
+void tst_BatchRun::progressSkipsUnreadableInputs()
 {
     m_window->overwrite = false;
     QVERIFY(QFile::copy(photograph("c.png"), output("c.png"))); // will be refused, and still advances
@@ -378,7 +378,7 @@ void tst_Batch::progressSkipsUnreadableInputs()
     QCOMPARE(percent, 75);
 }
 
-void tst_Batch::onlyStopCanBeUsedMeanwhile()
+void tst_BatchRun::onlyStopCanBeUsedMeanwhile()
 {
     m_window->loadFileName = photograph("shown.png");
     m_window->loadImage();
@@ -407,7 +407,7 @@ void tst_Batch::onlyStopCanBeUsedMeanwhile()
 }
 
 // A button that was released outside itself goes on stepping, and events run during every conversion.
-void tst_Batch::allMapsHaveTheValuesOfTheStart()
+void tst_BatchRun::allMapsHaveTheValuesOfTheStart()
 {
     QStringList paths;
     for (int i = 0; i < 4; ++i)
@@ -433,7 +433,7 @@ void tst_Batch::allMapsHaveTheValuesOfTheStart()
         COMPARE_IMAGES(QImage(output(name)), expectedMap(m_window->filePath(name)));
 }
 
-void tst_Batch::noPictureAfterwards()
+void tst_BatchRun::noPictureAfterwards()
 {
     m_window->loadFileName = photograph("shown.png");
     m_window->loadImage();
@@ -446,7 +446,7 @@ void tst_Batch::noPictureAfterwards()
     QCOMPARE(m_window->radius, 18);
 }
 
-void tst_Batch::unattendedShowsNothing()
+void tst_BatchRun::unattendedShowsNothing()
 {
     m_window->unattended = 1;
     m_window->hide();
@@ -463,7 +463,7 @@ void tst_Batch::unattendedShowsNothing()
     QCOMPARE(outputs(), QStringList{"a.png"});
 }
 
-void tst_Batch::closingTheWindowEndsTheRun()
+void tst_BatchRun::closingTheWindowEndsTheRun()
 {
     m_window->fileList = QStringList{photograph("a.png", 1), photograph("b.png", 2), photograph("c.png", 3)};
     const WhenTrue close([&] { return isConverting(m_window->filePath("b.png")); },
@@ -476,7 +476,7 @@ void tst_Batch::closingTheWindowEndsTheRun()
     QVERIFY(QFile::exists(m_window->settingFile));
 }
 
-void tst_Batch::extensionFollowsTheFormat()
+void tst_BatchRun::extensionFollowsTheFormat()
 {
     m_window->format = 0;
     m_window->quality = 40;
@@ -489,7 +489,7 @@ void tst_Batch::extensionFollowsTheFormat()
     QCOMPARE(contentsOf(output("img.jpg")), encoded.data());
 }
 
-void tst_Batch::outputFolderThatFails_data()
+void tst_BatchRun::outputFolderThatFails_data()
 {
     QTest::addColumn<QString>("folder");
     QTest::newRow("does not exist") << "missing";
@@ -497,7 +497,7 @@ void tst_Batch::outputFolderThatFails_data()
     QTest::newRow("holds folders of the maps' names") << "occupied";
 }
 
-void tst_Batch::outputFolderThatFails()
+void tst_BatchRun::outputFolderThatFails()
 {
     QFETCH(QString, folder);
     m_window->fileList = QStringList{photograph("a.png"), photograph("b.png")};
@@ -511,7 +511,7 @@ void tst_Batch::outputFolderThatFails()
 }
 
 // Unreadable inputs of every kind count as failures, the run goes on, and no output is left of them.
-void tst_Batch::badInputs()
+void tst_BatchRun::badInputs()
 {
     const auto write = [this](const QString &name, const QByteArray &contents) {
         QFile file(m_window->filePath(name));
@@ -535,7 +535,7 @@ void tst_Batch::badInputs()
     QCOMPARE(outputs(), (QStringList{"good.png", "really-a-png.png"}));
 }
 
-void tst_Batch::nameTypeTestsNonZero()
+void tst_BatchRun::nameTypeTestsNonZero()
 {
     m_window->nameType = -3;
     m_window->fileList = QStringList{photograph("a.png")};
@@ -543,14 +543,14 @@ void tst_Batch::nameTypeTestsNonZero()
     QCOMPARE(outputs(), QStringList{"map_0.png"});
 }
 
-void tst_Batch::dialogGetsAndGivesAllValues_data()
+void tst_BatchRun::dialogGetsAndGivesAllValues_data()
 {
     QTest::addColumn<bool>("accept");
     QTest::newRow("converted") << true;
     QTest::newRow("closed") << false;
 }
 
-void tst_Batch::dialogGetsAndGivesAllValues()
+void tst_BatchRun::dialogGetsAndGivesAllValues()
 {
     QFETCH(bool, accept);
     m_window->fileList = QStringList{"/in/one.png", "/in/two.png"};
@@ -593,7 +593,7 @@ void tst_Batch::dialogGetsAndGivesAllValues()
     QCOMPARE(m_window->openFiler, true);
 }
 
-void tst_Batch::acceptedDialogTakesTheTypedCircle()
+void tst_BatchRun::acceptedDialogTakesTheTypedCircle()
 {
     m_window->fileList = QStringList{photograph("a.png")};
     m_window->ui->lineCenterX->setText("30");
@@ -617,7 +617,7 @@ void tst_Batch::acceptedDialogTakesTheTypedCircle()
     COMPARE_IMAGES(QImage(output("a.png")), expectedMap(m_window->filePath("a.png")));
 }
 
-void tst_Batch::titleFollowsTheActionsText()
+void tst_BatchRun::titleFollowsTheActionsText()
 {
     m_window->ui->actionBatch_Convert->setText("Many");
     ModalDriver driver;
@@ -626,7 +626,7 @@ void tst_Batch::titleFollowsTheActionsText()
     QVERIFY(driver.done());
 }
 
-void tst_Batch::stopTextComesFromTheLanguageFile()
+void tst_BatchRun::stopTextComesFromTheLanguageFile()
 {
     QFile file(m_window->langFile);
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -646,5 +646,5 @@ void tst_Batch::stopTextComesFromTheLanguageFile()
     QCOMPARE(caption, QString("Halt"));
 }
 
-WINDOW_TEST_MAIN(tst_Batch)
-#include "tst_batch.moc"
+WINDOW_TEST_MAIN(tst_BatchRun)
+#include "tst_batchrun.moc"

@@ -115,7 +115,7 @@ QByteArray everyKeyReplaced()
 
 } // namespace
 
-class tst_Texts : public QObject
+class tst_WindowTexts : public QObject
 {
     Q_OBJECT
 
@@ -152,24 +152,24 @@ private:
     std::unique_ptr<InstalledWindow> m_window;
 };
 
-void tst_Texts::init()
+void tst_WindowTexts::init()
 {
     m_window = std::make_unique<InstalledWindow>();
 }
 
-void tst_Texts::cleanup()
+void tst_WindowTexts::cleanup()
 {
     m_window.reset();
 }
 
-void tst_Texts::writeLanguageFile(const QByteArray &contents) const
+void tst_WindowTexts::writeLanguageFile(const QByteArray &contents) const
 {
     QFile file(m_window->langFile);
     if (!file.open(QIODevice::WriteOnly) || file.write(contents) != contents.size())
         qFatal("cannot write the language file");
 }
 
-void tst_Texts::compareWithBuiltIn() const
+void tst_WindowTexts::compareWithBuiltIn() const
 {
     for (const Text &text : allTexts)
         QCOMPARE(text.shown(*m_window), QString::fromUtf8(text.builtIn));
@@ -177,20 +177,20 @@ void tst_Texts::compareWithBuiltIn() const
     QCOMPARE(m_window->previewWindow->windowTitle(), QString("Orvane 画像変換ツール（プレビュー）"));
 }
 
-void tst_Texts::formHasTheBuiltInCaptions()
+void tst_WindowTexts::formHasTheBuiltInCaptions()
 {
     for (const Text &text : captions)
         QCOMPARE(text.shown(*m_window), QString::fromUtf8(text.builtIn));
     QCOMPARE(m_window->windowTitle(), QString("Orvane 画像変換ツール"));
 }
 
-void tst_Texts::withoutFileEverythingIsBuiltIn()
+void tst_WindowTexts::withoutFileEverythingIsBuiltIn()
 {
     m_window->readShowString();
     compareWithBuiltIn();
 }
 
-void tst_Texts::everyKeyIsReplaced()
+void tst_WindowTexts::everyKeyIsReplaced()
 {
     writeLanguageFile("[main]\n" + everyKeyReplaced());
     m_window->readShowString();
@@ -198,14 +198,14 @@ void tst_Texts::everyKeyIsReplaced()
         QCOMPARE(text.shown(*m_window), replacementOf(text));
 }
 
-void tst_Texts::oneKeyReplacesOneText_data()
+void tst_WindowTexts::oneKeyReplacesOneText_data()
 {
     QTest::addColumn<int>("index");
     for (int i = 0; i < allTexts.size(); ++i)
         QTest::newRow(allTexts[i].key) << i;
 }
 
-void tst_Texts::oneKeyReplacesOneText()
+void tst_WindowTexts::oneKeyReplacesOneText()
 {
     QFETCH(int, index);
     writeLanguageFile("[main]\n" + line(allTexts[index], replacementOf(allTexts[index])));
@@ -215,7 +215,7 @@ void tst_Texts::oneKeyReplacesOneText()
                  &text == &allTexts[index] ? replacementOf(text) : QString::fromUtf8(text.builtIn));
 }
 
-void tst_Texts::builtInTexts_data()
+void tst_WindowTexts::builtInTexts_data()
 {
     QByteArray emptyValues;
     for (const Text &text : allTexts)
@@ -240,7 +240,7 @@ void tst_Texts::builtInTexts_data()
     QTest::newRow("unknown keys") << QByteArray("[main]\nlbl_9=x\nmenu_help=x\n");
 }
 
-void tst_Texts::builtInTexts()
+void tst_WindowTexts::builtInTexts()
 {
     QFETCH(QByteArray, contents);
     writeLanguageFile(contents);
@@ -248,7 +248,7 @@ void tst_Texts::builtInTexts()
     compareWithBuiltIn();
 }
 
-void tst_Texts::messagesAreExactlyTheKnownKeys()
+void tst_WindowTexts::messagesAreExactlyTheKnownKeys()
 {
     QStringList keys;
     for (const Text &text : messages)
@@ -258,7 +258,7 @@ void tst_Texts::messagesAreExactlyTheKnownKeys()
     QCOMPARE(QStringList(m_window->showString.keys()), keys);
 }
 
-void tst_Texts::textsWithoutAKey()
+void tst_WindowTexts::textsWithoutAKey()
 {
     writeLanguageFile("[main]\n" + everyKeyReplaced());
     m_window->readShowString();
@@ -275,7 +275,7 @@ void tst_Texts::textsWithoutAKey()
     QCOMPARE(ui.label->text(), QString());
 }
 
-void tst_Texts::titlesOfTheWindows()
+void tst_WindowTexts::titlesOfTheWindows()
 {
     writeLanguageFile("[main]\ntitle=Map maker\npreview_window_title=Its map\n");
     m_window->readShowString();
@@ -283,7 +283,7 @@ void tst_Texts::titlesOfTheWindows()
     QCOMPARE(m_window->previewWindow->windowTitle(), QString("Its map"));
 }
 
-void tst_Texts::replacedTitleCarriesTheVersion()
+void tst_WindowTexts::replacedTitleCarriesTheVersion()
 {
     for (const QString title : {"T", "地球 𠮷 🌏", "%1 %2", "a & b", "<b>x</b>"}) {
         writeLanguageFile("[main]\n" + line({"title", "", {}}, title));
@@ -292,7 +292,7 @@ void tst_Texts::replacedTitleCarriesTheVersion()
     }
 }
 
-void tst_Texts::lineBreakEscape()
+void tst_WindowTexts::lineBreakEscape()
 {
     writeLanguageFile("[main]\nlbl_1=one\\ntwo\n");
     m_window->readShowString();
@@ -300,7 +300,7 @@ void tst_Texts::lineBreakEscape()
     QVERIFY(m_window->ui->label_1->sizeHint().height() > m_window->ui->label_4_2->sizeHint().height());
 }
 
-void tst_Texts::handWrittenValues_data()
+void tst_WindowTexts::handWrittenValues_data()
 {
     QTest::addColumn<QByteArray>("written");
     QTest::addColumn<QString>("shown");
@@ -320,7 +320,7 @@ void tst_Texts::handWrittenValues_data()
     QTest::newRow("very long") << QByteArray(1000000, 'x') << QString(1000000, 'x');
 }
 
-void tst_Texts::handWrittenValues()
+void tst_WindowTexts::handWrittenValues()
 {
     QFETCH(QByteArray, written);
     writeLanguageFile("[main]\nlbl_1=" + written + "\nbtn_open=after it\n");
@@ -330,7 +330,7 @@ void tst_Texts::handWrittenValues()
 }
 
 // A caption that an earlier file replaced stays when a later one has none; a message is built in again.
-void tst_Texts::fileIsReadEachTime()
+void tst_WindowTexts::fileIsReadEachTime()
 {
     writeLanguageFile("[main]\nlbl_1=first\nsaved_file=first\n");
     m_window->readShowString();
@@ -344,7 +344,7 @@ void tst_Texts::fileIsReadEachTime()
     QCOMPARE(m_window->showString.value("saved_file"), QString(" へ保存されました"));
 }
 
-void tst_Texts::dialogsReadTheFileEachTime_data()
+void tst_WindowTexts::dialogsReadTheFileEachTime_data()
 {
     QTest::addColumn<QString>("action");
     QTest::addColumn<QByteArray>("group");
@@ -355,7 +355,7 @@ void tst_Texts::dialogsReadTheFileEachTime_data()
                            << "Orvane 画像変換ツール（複数画像ファイル変換）";
 }
 
-void tst_Texts::dialogsReadTheFileEachTime()
+void tst_WindowTexts::dialogsReadTheFileEachTime()
 {
     QFETCH(QString, action);
     QFETCH(QByteArray, group);
@@ -380,7 +380,7 @@ void tst_Texts::dialogsReadTheFileEachTime()
     open(builtIn);
 }
 
-void tst_Texts::everyWindowReadsItsOwnGroup()
+void tst_WindowTexts::everyWindowReadsItsOwnGroup()
 {
     writeLanguageFile("[main]\nlbl_1=of the window\nfile_filter=all (*)\n"
                       "[config]\nlbl_1=of the options\n[batch_convert]\nlbl_1=of the batch\n");
@@ -403,7 +403,7 @@ void tst_Texts::everyWindowReadsItsOwnGroup()
     QCOMPARE(m_window->showString.value("file_filter"), QString("all (*)"));
 }
 
-void tst_Texts::fileIsNeverWritten()
+void tst_WindowTexts::fileIsNeverWritten()
 {
     m_window->readShowString();
     m_window->show();
@@ -418,7 +418,7 @@ void tst_Texts::fileIsNeverWritten()
     QCOMPARE(file.readAll(), contents);
 }
 
-void tst_Texts::unreadableFileGivesBuiltInTexts_data()
+void tst_WindowTexts::unreadableFileGivesBuiltInTexts_data()
 {
     QTest::addColumn<QString>("obstacle");
     QTest::newRow("a folder in its place") << "folder";
@@ -428,7 +428,7 @@ void tst_Texts::unreadableFileGivesBuiltInTexts_data()
     QTest::newRow("UTF-16") << "utf16";
 }
 
-void tst_Texts::unreadableFileGivesBuiltInTexts()
+void tst_WindowTexts::unreadableFileGivesBuiltInTexts()
 {
     QFETCH(QString, obstacle);
     if (obstacle == "folder") {
@@ -459,5 +459,5 @@ void tst_Texts::unreadableFileGivesBuiltInTexts()
     compareWithBuiltIn();
 }
 
-WINDOW_TEST_MAIN(tst_Texts)
-#include "tst_texts.moc"
+WINDOW_TEST_MAIN(tst_WindowTexts)
+#include "tst_windowtexts.moc"

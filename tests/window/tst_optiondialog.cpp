@@ -78,7 +78,7 @@ public:
 
 } // namespace
 
-class tst_Option : public QObject
+class tst_OptionDialog : public QObject
 {
     Q_OBJECT
 
@@ -743,5 +743,5 @@ private:
     QTemporaryDir m_folder;
 };
 
-QTEST_MAIN(tst_Option)
-#include "tst_option.moc"
+QTEST_MAIN(tst_OptionDialog)
+#include "tst_optiondialog.moc"

@@ -74,7 +74,7 @@ const QVector<NamedDeed> edits{
 
 } // namespace
 
-class tst_Preview : public QObject
+class tst_PreviewRefresh : public QObject
 {
     Q_OBJECT
 
@@ -114,7 +114,7 @@ private:
     std::unique_ptr<InstalledWindow> m_window;
 };
 
-void tst_Preview::init()
+void tst_PreviewRefresh::init()
 {
     m_window = std::make_unique<InstalledWindow>();
     m_window->appear();
@@ -124,12 +124,12 @@ void tst_Preview::init()
     QCOMPARE(m_window->ui->label->hasScaledContents(), false);
 }
 
-void tst_Preview::cleanup()
+void tst_PreviewRefresh::cleanup()
 {
     m_window.reset();
 }
 
-void tst_Preview::buttonShowsAndConverts()
+void tst_PreviewRefresh::buttonShowsAndConverts()
 {
     const MessageCollector collector;
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
@@ -141,7 +141,7 @@ void tst_Preview::buttonShowsAndConverts()
     COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
 }
 
-void tst_Preview::buttonConvertsAgain()
+void tst_PreviewRefresh::buttonConvertsAgain()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     m_window->longitude = 77.0;
@@ -151,7 +151,7 @@ void tst_Preview::buttonConvertsAgain()
     COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
 }
 
-void tst_Preview::viewActionShowsAndHides()
+void tst_PreviewRefresh::viewActionShowsAndHides()
 {
     const MessageCollector collector;
     m_window->ui->actionPreview_Window->trigger();
@@ -164,7 +164,7 @@ void tst_Preview::viewActionShowsAndHides()
     QCOMPARE(collector.messages().count("convertImage"), 1);
 }
 
-void tst_Preview::viewActionIsTheButton()
+void tst_PreviewRefresh::viewActionIsTheButton()
 {
     const MessageCollector collector;
     m_window->ui->actionPreview_Window->trigger();
@@ -172,7 +172,7 @@ void tst_Preview::viewActionIsTheButton()
     COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
 }
 
-void tst_Preview::editConvertsWhenVisibleAndAuto_data()
+void tst_PreviewRefresh::editConvertsWhenVisibleAndAuto_data()
 {
     QTest::addColumn<Deed>("edit");
     QTest::addColumn<bool>("visible");
@@ -187,7 +187,7 @@ void tst_Preview::editConvertsWhenVisibleAndAuto_data()
     }
 }
 
-void tst_Preview::editConvertsWhenVisibleAndAuto()
+void tst_PreviewRefresh::editConvertsWhenVisibleAndAuto()
 {
     QFETCH(Deed, edit);
     QFETCH(bool, visible);
@@ -208,7 +208,7 @@ void tst_Preview::editConvertsWhenVisibleAndAuto()
     COMPARE_IMAGES(shownMap(*m_window), visible && automatic ? referenceMap(*m_window) : shownBefore);
 }
 
-void tst_Preview::heldButtonConvertsAtEveryTick()
+void tst_PreviewRefresh::heldButtonConvertsAtEveryTick()
 {
     m_window->autoPreview = true;
     m_window->previewWindow->setAttribute(Qt::WA_ShowWithoutActivating); // a button without focus goes up
@@ -227,7 +227,7 @@ void tst_Preview::heldButtonConvertsAtEveryTick()
     COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
 }
 
-void tst_Preview::noEditNoConversion_data()
+void tst_PreviewRefresh::noEditNoConversion_data()
 {
     QTest::addColumn<Deed>("deed");
     QTest::newRow("circle toggled") << Deed(
@@ -249,7 +249,7 @@ void tst_Preview::noEditNoConversion_data()
         [](TestWindow &window) { QTest::keyClick(window.ui->lineSaveFilename, Qt::Key_Return); });
 }
 
-void tst_Preview::noEditNoConversion()
+void tst_PreviewRefresh::noEditNoConversion()
 {
     QFETCH(Deed, deed);
     m_window->autoPreview = true;
@@ -261,7 +261,7 @@ void tst_Preview::noEditNoConversion()
     COMPARE_IMAGES(shownMap(*m_window), before);
 }
 
-void tst_Preview::autoPreviewOnlyRemembers()
+void tst_PreviewRefresh::autoPreviewOnlyRemembers()
 {
     m_window->previewWindow->show();
     const MessageCollector collector;
@@ -273,7 +273,7 @@ void tst_Preview::autoPreviewOnlyRemembers()
     QCOMPARE(collector.messages(), QStringList());
 }
 
-void tst_Preview::titleBarUnchecksTheAction()
+void tst_PreviewRefresh::titleBarUnchecksTheAction()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     QVERIFY(m_window->previewWindow->close());
@@ -282,7 +282,7 @@ void tst_Preview::titleBarUnchecksTheAction()
     QVERIFY(m_window->isVisible());
 }
 
-void tst_Preview::closedPreviewIsConvertedWhenShownAgain()
+void tst_PreviewRefresh::closedPreviewIsConvertedWhenShownAgain()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     m_window->previewWindow->close();
@@ -293,7 +293,7 @@ void tst_Preview::closedPreviewIsConvertedWhenShownAgain()
     COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
 }
 
-void tst_Preview::hidingByTheActionKeepsTheMap()
+void tst_PreviewRefresh::hidingByTheActionKeepsTheMap()
 {
     m_window->ui->actionPreview_Window->trigger();
     const QImage before = shownMap(*m_window);
@@ -303,7 +303,7 @@ void tst_Preview::hidingByTheActionKeepsTheMap()
     COMPARE_IMAGES(shownMap(*m_window), before);
 }
 
-void tst_Preview::autoSizeLeavesThePreviewAlone()
+void tst_PreviewRefresh::autoSizeLeavesThePreviewAlone()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     const auto *preview = m_window->previewWindow->findChild<QLabel *>("label2");
@@ -319,7 +319,7 @@ void tst_Preview::autoSizeLeavesThePreviewAlone()
     }
 }
 
-void tst_Preview::mapIsThatOfTheReference_data()
+void tst_PreviewRefresh::mapIsThatOfTheReference_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<double>("distance");
@@ -336,7 +336,7 @@ void tst_Preview::mapIsThatOfTheReference_data()
     QTest::newRow("without end") << QSize(64, 32) << qInf() << qInf() << -qInf() << qInf();
 }
 
-void tst_Preview::mapIsThatOfTheReference()
+void tst_PreviewRefresh::mapIsThatOfTheReference()
 {
     QFETCH(QSize, size);
     QFETCH(double, distance);
@@ -356,7 +356,7 @@ void tst_Preview::mapIsThatOfTheReference()
     QCOMPARE(m_window->ratioY, size.height() * 0.5 / 72);
 }
 
-void tst_Preview::withoutPhotographTheWindowIsShown()
+void tst_PreviewRefresh::withoutPhotographTheWindowIsShown()
 {
     m_window->image = QImage();
     const MessageCollector collector;
@@ -371,7 +371,7 @@ void tst_Preview::withoutPhotographTheWindowIsShown()
     QVERIFY(!m_window->previewWindow->grab().isNull());
 }
 
-void tst_Preview::withoutPhotographTheLastMapStays()
+void tst_PreviewRefresh::withoutPhotographTheLastMapStays()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     const QImage before = shownMap(*m_window);
@@ -380,7 +380,7 @@ void tst_Preview::withoutPhotographTheLastMapStays()
     COMPARE_IMAGES(shownMap(*m_window), before);
 }
 
-void tst_Preview::lastMapStaysUntilAConversion()
+void tst_PreviewRefresh::lastMapStaysUntilAConversion()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     const QImage before = shownMap(*m_window);
@@ -392,7 +392,7 @@ void tst_Preview::lastMapStaysUntilAConversion()
     COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
 }
 
-void tst_Preview::mapWithoutPixelsEmptiesThePreview()
+void tst_PreviewRefresh::mapWithoutPixelsEmptiesThePreview()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     m_window->outputSizeX = 0;
@@ -402,7 +402,7 @@ void tst_Preview::mapWithoutPixelsEmptiesThePreview()
     QTest::mouseClick(m_window->previewWindow->findChild<QLabel *>("label2"), Qt::LeftButton);
 }
 
-void tst_Preview::mouseInThePreviewHasNoEffect()
+void tst_PreviewRefresh::mouseInThePreviewHasNoEffect()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     auto *preview = m_window->previewWindow->findChild<QLabel *>("label2");
@@ -418,7 +418,7 @@ void tst_Preview::mouseInThePreviewHasNoEffect()
     COMPARE_IMAGES(shownMap(*m_window), before);
 }
 
-void tst_Preview::startUpPassShowsWithoutConverting()
+void tst_PreviewRefresh::startUpPassShowsWithoutConverting()
 {
     m_window->previewShow = true;
     m_window->autoPreview = true;
@@ -433,5 +433,5 @@ void tst_Preview::startUpPassShowsWithoutConverting()
     COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
 }
 
-WINDOW_TEST_MAIN(tst_Preview)
-#include "tst_preview.moc"
+WINDOW_TEST_MAIN(tst_PreviewRefresh)
+#include "tst_previewrefresh.moc"

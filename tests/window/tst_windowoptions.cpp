@@ -96,7 +96,7 @@ const Values otherValues{42.5, 4096, 8192, 100, 0, 90.0, -180.0, 359.25, 32, QCo
 } // namespace
 
 /// The options dialog as the main window opens it.
-class tst_Options : public QObject
+class tst_WindowOptions : public QObject
 {
     Q_OBJECT
 
@@ -128,7 +128,7 @@ private:
     std::unique_ptr<FreshWindow> m_window;
 };
 
-void tst_Options::init()
+void tst_WindowOptions::init()
 {
     m_window = std::make_unique<FreshWindow>();
     m_window->open(colourfulPhotograph({240, 160}));
@@ -136,12 +136,12 @@ void tst_Options::init()
     m_window->setCircle(aCircle);
 }
 
-void tst_Options::cleanup()
+void tst_WindowOptions::cleanup()
 {
     m_window.reset();
 }
 
-void tst_Options::withDialog(const std::function<void(Option *)> &act)
+void tst_WindowOptions::withDialog(const std::function<void(Option *)> &act)
 {
     ModalDriver driver;
     driver.expect<Option>(act);
@@ -149,7 +149,7 @@ void tst_Options::withDialog(const std::function<void(Option *)> &act)
     QVERIFY(driver.done());
 }
 
-void tst_Options::dialogShowsTheWindowsValues()
+void tst_WindowOptions::dialogShowsTheWindowsValues()
 {
     withDialog([](Option *option) {
         QCOMPARE(textOf(option, "lineDistance"), QString("6.6"));
@@ -167,7 +167,7 @@ void tst_Options::dialogShowsTheWindowsValues()
     });
 }
 
-void tst_Options::dialogBelongsToTheWindow()
+void tst_WindowOptions::dialogBelongsToTheWindow()
 {
     withDialog([this](Option *option) {
         QCOMPARE(option->parentWidget(), m_window.get());
@@ -177,7 +177,7 @@ void tst_Options::dialogBelongsToTheWindow()
     QVERIFY(!m_window->findChild<Option *>());
 }
 
-void tst_Options::textsComeFromTheLanguageFile()
+void tst_WindowOptions::textsComeFromTheLanguageFile()
 {
     QFile file(m_window->langFile);
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -196,7 +196,7 @@ void tst_Options::textsComeFromTheLanguageFile()
     QVERIFY(driver.done());
 }
 
-void tst_Options::okTakesEveryValue()
+void tst_WindowOptions::okTakesEveryValue()
 {
     withDialog([](Option *option) {
         typeOtherValues(option);
@@ -205,7 +205,7 @@ void tst_Options::okTakesEveryValue()
     QVERIFY(valuesOf(*m_window) == otherValues);
 }
 
-void tst_Options::rejectionLeavesEveryValue_data()
+void tst_WindowOptions::rejectionLeavesEveryValue_data()
 {
     using Way = std::function<void(Option *)>;
     QTest::addColumn<Way>("reject");
@@ -216,7 +216,7 @@ void tst_Options::rejectionLeavesEveryValue_data()
         [](Option *option) { QTest::keyClick(option->findChild<QLineEdit *>("lineSize"), Qt::Key_Return); });
 }
 
-void tst_Options::rejectionLeavesEveryValue()
+void tst_WindowOptions::rejectionLeavesEveryValue()
 {
     QFETCH(std::function<void(Option *)>, reject);
     const QImage before = m_window->shownPicture();
@@ -228,7 +228,7 @@ void tst_Options::rejectionLeavesEveryValue()
     COMPARE_IMAGES(m_window->shownPicture(), before);
 }
 
-void tst_Options::refusedValuesNeverArrive()
+void tst_WindowOptions::refusedValuesNeverArrive()
 {
     ModalDriver driver;
     driver.expect<Option>([&](Option *option) {
@@ -245,7 +245,7 @@ void tst_Options::refusedValuesNeverArrive()
     QVERIFY(valuesOf(*m_window) == Values());
 }
 
-void tst_Options::defaultsThenCancel()
+void tst_WindowOptions::defaultsThenCancel()
 {
     withDialog([](Option *option) {
         press(option, "btnDefault");
@@ -254,7 +254,7 @@ void tst_Options::defaultsThenCancel()
     QVERIFY(valuesOf(*m_window) == Values());
 }
 
-void tst_Options::defaultsThenOk()
+void tst_WindowOptions::defaultsThenOk()
 {
     withDialog([](Option *option) {
         press(option, "btnDefault");
@@ -265,7 +265,7 @@ void tst_Options::defaultsThenOk()
 }
 
 // The fields show six digits; a value that nobody touched is rounded to them by OK.
-void tst_Options::sixDigitsAreWhatComesBack()
+void tst_WindowOptions::sixDigitsAreWhatComesBack()
 {
     m_window->longitude = 139.7671248;
     m_window->latitude = 35.681236;
@@ -274,7 +274,7 @@ void tst_Options::sixDigitsAreWhatComesBack()
     QCOMPARE(m_window->latitude, 35.6812);
 }
 
-void tst_Options::hostileValuesAreShown()
+void tst_WindowOptions::hostileValuesAreShown()
 {
     Values hostile;
     hostile.distance = std::numeric_limits<double>::quiet_NaN();
@@ -300,7 +300,7 @@ void tst_Options::hostileValuesAreShown()
     QCOMPARE(m_window->format, 77);
 }
 
-void tst_Options::circleIsDrawnWithTheNewPen()
+void tst_WindowOptions::circleIsDrawnWithTheNewPen()
 {
     COMPARE_IMAGES(m_window->shownPicture(),
                    uncachedPicture(m_window->image, aCircle, Values().penColor, Values().penSize));
@@ -312,7 +312,7 @@ void tst_Options::circleIsDrawnWithTheNewPen()
     COMPARE_IMAGES(m_window->shownPicture(), uncachedPicture(m_window->image, aCircle, Qt::blue, 9));
 }
 
-void tst_Options::hiddenCircleStaysHidden()
+void tst_WindowOptions::hiddenCircleStaysHidden()
 {
     m_window->selectShow = false;
     withDialog([](Option *option) { press(option, "btnOk"); });
@@ -320,7 +320,7 @@ void tst_Options::hiddenCircleStaysHidden()
     COMPARE_IMAGES(m_window->shownPicture(), uncachedPicture(m_window->image, std::nullopt));
 }
 
-void tst_Options::unparsableColour_data()
+void tst_WindowOptions::unparsableColour_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("a word that is no colour") << "reddish";
@@ -328,7 +328,7 @@ void tst_Options::unparsableColour_data()
     QTest::newRow("nothing") << "";
 }
 
-void tst_Options::unparsableColour()
+void tst_WindowOptions::unparsableColour()
 {
     QFETCH(QString, text);
     withDialog([&](Option *option) {
@@ -344,7 +344,7 @@ void tst_Options::unparsableColour()
     QVERIFY(file.readAll().contains("\nPenColor=#ff000000\n"));
 }
 
-void tst_Options::nothingElseIsUpdated()
+void tst_WindowOptions::nothingElseIsUpdated()
 {
     m_window->ui->actionAuto_Preview->trigger();
     m_window->ui->actionPreview_Window->trigger();
@@ -363,7 +363,7 @@ void tst_Options::nothingElseIsUpdated()
     QVERIFY(!QFile::exists(m_window->settingFile));
 }
 
-void tst_Options::worksWithoutAPhotograph()
+void tst_WindowOptions::worksWithoutAPhotograph()
 {
     m_window = std::make_unique<FreshWindow>();
     withDialog([](Option *option) {
@@ -374,5 +374,5 @@ void tst_Options::worksWithoutAPhotograph()
     QVERIFY(m_window->shownPicture().isNull());
 }
 
-WINDOW_TEST_MAIN(tst_Options)
-#include "tst_options.moc"
+WINDOW_TEST_MAIN(tst_WindowOptions)
+#include "tst_windowoptions.moc"
