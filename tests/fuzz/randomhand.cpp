@@ -66,7 +66,7 @@ GestureFiles::GestureFiles()
     m_noPhotographs.append({filePath("missing.gif"), m_folder.path()});
 }
 
-RandomAnswers::RandomAnswers(const GestureFiles &files, unsigned seed) : m_files(files), m_random(seed)
+RandomAnswers::RandomAnswers(const GestureFiles &files, unsigned seed) : m_files(files), m_rng(seed)
 {
     connect(&m_timer, &QTimer::timeout, this, &RandomAnswers::poll);
     m_timer.start(1);
@@ -123,7 +123,7 @@ void RandomAnswers::answer(QWidget *window)
 RandomHand::RandomHand(FreshWindow &window, const GestureFiles &files, unsigned seed)
     : m_window(window)
     , m_files(files)
-    , m_random(seed)
+    , m_rng(seed)
     , m_gestures{
           {"press", 120, &RandomHand::mousePress},
           {"move", 180, &RandomHand::mouseMove},
@@ -198,8 +198,8 @@ QPoint RandomHand::anyPosition()
                                  ? qMax(double(m_window.image.width()) / qMax(label->width(), 1),
                                         double(m_window.image.height()) / qMax(label->height(), 1))
                                  : 1.0;
-        const QPoint handle(m_window.centerX + oneOf(std::vector<int>{-1, 0, 1}) * m_window.radius,
-                            m_window.centerY + oneOf(std::vector<int>{-1, 0, 1}) * m_window.radius);
+        const QPoint handle{m_window.centerX + oneOf(std::vector<int>{-1, 0, 1}) * m_window.radius,
+                            m_window.centerY + oneOf(std::vector<int>{-1, 0, 1}) * m_window.radius};
         return {int(handle.x() / scale), int(handle.y() / scale)};
     }
     return {upTo(qMax(label->width(), 1)), upTo(qMax(label->height(), 1))};
@@ -228,19 +228,21 @@ void RandomHand::sendMouse(QEvent::Type type, QWidget *widget, QPoint position, 
 void RandomHand::mousePress()
 {
     const Qt::MouseButton button = oneIn(3) ? Qt::RightButton : Qt::LeftButton;
-    sendMouse(QEvent::MouseButtonPress, m_window.ui->label, anyPosition(), button, anyButtons() | button);
+    const Qt::MouseButtons others = anyButtons();
+    sendMouse(QEvent::MouseButtonPress, m_window.ui->label, anyPosition(), button, others | button);
 }
 
 void RandomHand::mouseMove()
 {
-    sendMouse(QEvent::MouseMove, m_window.ui->label, anyPosition(), Qt::NoButton, anyButtons());
+    const Qt::MouseButtons held = anyButtons();
+    sendMouse(QEvent::MouseMove, m_window.ui->label, anyPosition(), Qt::NoButton, held);
 }
 
 void RandomHand::mouseRelease()
 {
     const Qt::MouseButton button = oneIn(3) ? Qt::RightButton : Qt::LeftButton;
-    sendMouse(QEvent::MouseButtonRelease, m_window.ui->label, anyPosition(), button,
-              oneIn(4) ? anyButtons() : Qt::MouseButtons());
+    const Qt::MouseButtons held = oneIn(4) ? anyButtons() : Qt::MouseButtons();
+    sendMouse(QEvent::MouseButtonRelease, m_window.ui->label, anyPosition(), button, held);
 }
 
 void RandomHand::wholeDrag()
@@ -256,9 +258,10 @@ void RandomHand::wholeDrag()
 void RandomHand::previewMouse()
 {
     auto *label = m_window.previewWindow->findChild<QLabel *>("label2");
-    sendMouse(oneOf(std::vector<QEvent::Type>{QEvent::MouseButtonPress, QEvent::MouseMove,
-                                              QEvent::MouseButtonRelease}),
-              label, anyPosition(), Qt::LeftButton, anyButtons());
+    const auto type = oneOf(
+        std::vector<QEvent::Type>{QEvent::MouseButtonPress, QEvent::MouseMove, QEvent::MouseButtonRelease});
+    const Qt::MouseButtons held = anyButtons();
+    sendMouse(type, label, anyPosition(), Qt::LeftButton, held);
 }
 
 void RandomHand::pictureSignal()
@@ -282,10 +285,12 @@ void RandomHand::pictureSignal()
     case 4:
         emit label->size_changed(x, y, anyNumber());
         break;
-    case 5:
-        emit label->size_changing(x, y, anyNumber(), anyNumber(), anyNumber(), anyNumber(), anyNumber(),
-                                  anyNumber());
-        break;
+    case 5: {
+        const QPoint from{anyNumber(), anyNumber()};
+        const QPoint to{anyNumber(), anyNumber()};
+        const QPoint at{anyNumber(), anyNumber()};
+        emit label->size_changing(x, y, from.x(), from.y(), to.x(), to.y(), at.x(), at.y());
+    } break;
     default:
         emit label->mouse_move(x, y);
     }
@@ -414,10 +419,10 @@ void RandomHand::windows()
 {
     switch (upTo(6)) {
     case 0:
-        m_window.resize(between(300, 900), between(300, 800));
+        m_window.resize(QSize{between(300, 900), between(300, 800)});
         break;
     case 1:
-        m_window.previewWindow->resize(between(10, 700), between(10, 500));
+        m_window.previewWindow->resize(QSize{between(10, 700), between(10, 500)});
         break;
     case 2:
         m_window.previewWindow->close();

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "freshwindow.h"
+#include "rng.h"
 
 #include <QStringList>
 
-#include <random>
 #include <vector>
 
 /// Small photographs and files that are none. Gestures may overwrite them, so every sequence has its own.
@@ -35,10 +35,10 @@ public:
 private:
     void poll();
     void answer(QWidget *window);
-    int upTo(int last) { return std::uniform_int_distribution<int>(0, last)(m_random); }
+    int upTo(int last) { return m_rng.between(0, last); }
 
     const GestureFiles &m_files;
-    std::mt19937 m_random;
+    Rng m_rng;
     QTimer m_timer;
     QVector<QWidget *> m_answering; // windows whose answer has not returned; it may have opened the next one
     QPointer<QWidget> m_last;
@@ -70,9 +70,9 @@ private:
 
     bool oneIn(int n) { return upTo(n - 1) == 0; }
     int upTo(int last) { return between(0, last); }
-    int between(int first, int last) { return std::uniform_int_distribution<int>(first, last)(m_random); }
+    int between(int first, int last) { return m_rng.between(first, last); }
     template <typename List>
-    const typename List::value_type &oneOf(const List &list)
+    typename List::value_type oneOf(const List &list)
     {
         return list[static_cast<typename List::size_type>(upTo(static_cast<int>(list.size()) - 1))];
     }
@@ -109,7 +109,7 @@ private:
 
     FreshWindow &m_window;
     const GestureFiles &m_files;
-    std::mt19937 m_random;
+    Rng m_rng;
     std::vector<Gesture> m_gestures;
     int m_later = 0; // gestures that wait for the event loop
     int m_nested = 0;

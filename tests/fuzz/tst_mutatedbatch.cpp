@@ -2,6 +2,7 @@
 // save of it would be.
 
 #include "modaldriver.h"
+#include "rng.h"
 #include "testwindow.h"
 
 #include <QBuffer>
@@ -10,8 +11,6 @@
 #include <QMessageBox>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-
-#include <random>
 
 namespace
 {
@@ -24,11 +23,9 @@ int numberFrom(const char *variable, int otherwise)
 }
 
 /// Flips, overwrites, cuts out, repeats or cuts off a few bytes.
-QByteArray mutated(QByteArray bytes, std::mt19937 &random)
+QByteArray mutated(QByteArray bytes, Rng &rng)
 {
-    const auto below = [&random](int limit) {
-        return static_cast<int>(random() % static_cast<unsigned>(limit));
-    };
+    const auto below = [&rng](int limit) { return rng.between(0, limit - 1); };
     const int changes = 1 + below(6);
     for (int i = 0; i < changes && bytes.size() > 4; ++i) {
         // Half of the changes hit the headers, where sizes and tables stand.
@@ -77,7 +74,7 @@ void tst_MutatedBatch::everyVerdictIsThatOfAnIndependentLoad()
     const int count = numberFrom("OVMIC_MUTATED_COUNT", 1000);
     const int seed = numberFrom("OVMIC_MUTATED_SEED", 20261120);
     qInfo("seed %d, %d files", seed, count);
-    std::mt19937 random(static_cast<unsigned>(seed));
+    Rng rng(static_cast<quint32>(seed));
 
     QImage photograph(90, 70, QImage::Format_RGB32);
     for (int y = 0; y < 70; ++y) {
@@ -106,7 +103,7 @@ void tst_MutatedBatch::everyVerdictIsThatOfAnIndependentLoad()
     for (int i = 0; i < count; ++i) {
         QFile file(folder.filePath(QString::number(i)));
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(mutated(originals[i % 3], random));
+        file.write(mutated(originals[i % 3], rng));
         window.fileList.append(file.fileName());
     }
 

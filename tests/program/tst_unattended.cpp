@@ -3,6 +3,7 @@
 #include "imagecompare.h"
 #include "programfolder.h"
 #include "referenceengine.h"
+#include "rng.h"
 
 #include <QDir>
 #include <QFile>
@@ -252,10 +253,10 @@ void tst_Unattended::fullDiskLeavesNoPartialMap()
     const ProgramFolder folder;
     const QStringList photographs = writePhotographs(folder, 2);
     QImage noise(400, 400, QImage::Format_RGB32);
-    quint32 state = 1;
+    Rng rng(1);
     for (int y = 0; y < 400; ++y) {
         for (int x = 0; x < 400; ++x)
-            noise.setPixel(x, y, 0xff000000u | ((state = state * 1664525u + 1013904223u) >> 8));
+            noise.setPixel(x, y, 0xff000000U | rng.word());
     }
     QVERIFY(noise.save(folder.filePath("in/large.png")));
     QVERIFY(QDir(folder.filePath(".")).mkdir("maps"));

@@ -124,8 +124,7 @@ std::chrono::nanoseconds durationOf(const std::function<void()> &action)
     return std::chrono::nanoseconds(timer.nsecsElapsed());
 }
 
-bool killedInTheMiddle(const std::function<void()> &action, std::chrono::nanoseconds within,
-                       std::mt19937 &random)
+bool killedInTheMiddle(const std::function<void()> &action, std::chrono::nanoseconds within, Rng &rng)
 {
     const pid_t child = fork();
     if (child == 0) {
@@ -134,7 +133,7 @@ bool killedInTheMiddle(const std::function<void()> &action, std::chrono::nanosec
     }
     if (child < 0)
         return false;
-    std::this_thread::sleep_for(within * std::uniform_real_distribution<>(0, 1)(random));
+    std::this_thread::sleep_for(within * rng.real(0, 1));
     int status = 0;
     kill(child, SIGKILL);
     return waitpid(child, &status, 0) == child && WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL;

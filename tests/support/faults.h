@@ -1,12 +1,13 @@
 #pragma once
 
+#include "rng.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringList>
 
 #include <chrono>
 #include <functional>
-#include <random>
 #include <sys/resource.h>
 #include <sys/types.h>
 #include <vector>
@@ -81,5 +82,4 @@ std::chrono::nanoseconds durationOf(const std::function<void()> &action);
 
 /// Lets a child repeat an action without end, and kills it at a random moment within the given time.
 /// @return whether it was still at work then
-bool killedInTheMiddle(const std::function<void()> &action, std::chrono::nanoseconds within,
-                       std::mt19937 &random);
+bool killedInTheMiddle(const std::function<void()> &action, std::chrono::nanoseconds within, Rng &rng);

@@ -1,6 +1,7 @@
 #include "circleoverlay.h"
 
-#include <QRandomGenerator>
+#include "randomcircles.h"
+
 #include <QtTest>
 
 #include <climits>
@@ -31,13 +32,13 @@ QString difference(const QPixmap &actual, const QPixmap &expected)
     return a == b ? QString() : "pixels";
 }
 
-QImage noise(int width, int height, QImage::Format format, int opaqueShare = 1)
+QImage noise(QSize size, QImage::Format format, int opaqueShare = 1)
 {
-    static QRandomGenerator random(20);
-    QImage image(width, height, QImage::Format_ARGB32);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            image.setPixel(x, y, random.generate() | (random.bounded(opaqueShare) == 0 ? 0xff000000U : 0U));
+    static Rng rng(20);
+    QImage image(size, QImage::Format_ARGB32);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixel(x, y, rng.word() | (rng.oneIn(opaqueShare) ? 0xff000000U : 0U));
     return image.convertToFormat(format);
 }
 
@@ -69,7 +70,7 @@ void tst_CircleOverlay::givesNothingForNoPhotograph()
     CircleOverlay overlay;
     QVERIFY(overlay.picture(QImage(), std::nullopt, redPen).isNull());
     QVERIFY(overlay.picture(QImage(), SelectionCircle{5, 5, 5}, redPen).isNull());
-    const QImage photograph = noise(20, 20, QImage::Format_RGB32);
+    const QImage photograph = noise({20, 20}, QImage::Format_RGB32);
     QVERIFY(!overlay.picture(photograph, std::nullopt, redPen).isNull());
     QVERIFY(overlay.picture(QImage(), std::nullopt, redPen).isNull());
 }
@@ -98,20 +99,18 @@ void tst_CircleOverlay::equalsTheUncachedPicture()
 {
     QFETCH(QImage::Format, format);
     QFETCH(int, opaqueShare);
-    QRandomGenerator random(20);
+    Rng rng(20);
     for (int photographs = 0; photographs < 12; ++photographs) {
-        const QImage photograph =
-            noise(1 + random.bounded(180), 1 + random.bounded(180), format, opaqueShare);
+        const QImage photograph = noise(QSize{rng.between(1, 180), rng.between(1, 180)}, format, opaqueShare);
         CircleOverlay overlay;
         for (int step = 0; step < 12; ++step) {
             std::optional<SelectionCircle> circle;
-            if (random.bounded(8) > 0)
-                circle = SelectionCircle{random.bounded(-40, 220), random.bounded(-40, 220),
-                                         random.bounded(-30, 130)};
+            if (!rng.oneIn(8))
+                circle = SelectionCircle{rng.between(-40, 219), rng.between(-40, 219), rng.between(-30, 129)};
             CirclePen pen;
-            pen.color = QColor::fromRgba(random.generate() | (random.bounded(2) == 0 ? 0xff000000U : 0U));
-            pen.size = random.bounded(8) == 0 ? random.bounded(0, 65) : random.bounded(0, 10);
-            pen.square = random.bounded(3) == 0 ? Qt::SolidLine : Qt::DotLine;
+            pen.color = randomColor(rng);
+            pen.size = rng.oneIn(8) ? rng.between(0, 64) : rng.between(0, 9);
+            pen.square = rng.oneIn(3) ? Qt::SolidLine : Qt::DotLine;
             QCOMPARE(difference(overlay.picture(photograph, circle, pen),
                                 uncachedPicture(photograph, circle, pen)),
                      QString());
@@ -121,7 +120,7 @@ void tst_CircleOverlay::equalsTheUncachedPicture()
 
 void tst_CircleOverlay::takesTheOldCircleAwayCompletely()
 {
-    const QImage photograph = noise(300, 200, QImage::Format_RGB32);
+    const QImage photograph = noise({300, 200}, QImage::Format_RGB32);
     CircleOverlay overlay;
     for (int i = 0; i < 6; ++i) {
         // Twice each: the overlay keeps two pictures, and the circle must leave either.
@@ -139,7 +138,7 @@ void tst_CircleOverlay::noticesANewPhotograph()
     CircleOverlay overlay;
     const SelectionCircle circle{50, 50, 30};
     for (const QSize size : {QSize(100, 100), QSize(100, 100), QSize(90, 120)}) {
-        const QImage photograph = noise(size.width(), size.height(), QImage::Format_RGB32);
+        const QImage photograph = noise(size, QImage::Format_RGB32);
         for (int i = 0; i < 3; ++i)
             QCOMPARE(difference(overlay.picture(photograph, circle, redPen),
                                 uncachedPicture(photograph, circle, redPen)),
@@ -149,7 +148,7 @@ void tst_CircleOverlay::noticesANewPhotograph()
 
 void tst_CircleOverlay::noticesAnEditedPhotograph()
 {
-    QImage photograph = noise(100, 100, QImage::Format_RGB32);
+    QImage photograph = noise({100, 100}, QImage::Format_RGB32);
     CircleOverlay overlay;
     overlay.picture(photograph, std::nullopt, redPen);
     photograph.fill(Qt::blue);
@@ -160,7 +159,7 @@ void tst_CircleOverlay::noticesAnEditedPhotograph()
 void tst_CircleOverlay::leavesEarlierPixmapsAlone()
 {
     // The label keeps only the newest pixmap, but whoever keeps an older one must not see it change.
-    const QImage photograph = noise(100, 100, QImage::Format_RGB32);
+    const QImage photograph = noise({100, 100}, QImage::Format_RGB32);
     CircleOverlay overlay;
     QVector<QPixmap> pixmaps;
     for (int radius = 10; radius < 20; ++radius)
@@ -174,7 +173,7 @@ void tst_CircleOverlay::leavesEarlierPixmapsAlone()
 void tst_CircleOverlay::leavesThePhotographAlone()
 {
     for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32}) {
-        const QImage photograph = noise(100, 100, format, 2);
+        const QImage photograph = noise({100, 100}, format, 2);
         const QImage before = photograph.copy();
         CircleOverlay overlay;
         for (int radius = 10; radius < 14; ++radius)
@@ -202,7 +201,7 @@ void tst_CircleOverlay::looksAtPixelsOnly()
 {
     // A file called photo@2x.jpg loads with a device pixel ratio of 2; the circle counts in its pixels all
     // the same.
-    QImage photograph = noise(100, 100, QImage::Format_RGB32);
+    QImage photograph = noise({100, 100}, QImage::Format_RGB32);
     const QPixmap expected = uncachedPicture(photograph, SelectionCircle{50, 50, 30}, redPen);
     photograph.setDevicePixelRatio(2.0);
     CircleOverlay overlay;
@@ -215,10 +214,13 @@ void tst_CircleOverlay::looksAtPixelsOnly()
 
 void tst_CircleOverlay::drawsHostileCirclesToo()
 {
-    const QImage photograph = noise(60, 50, QImage::Format_ARGB32, 2);
+    const QImage photograph = noise({60, 50}, QImage::Format_ARGB32, 2);
     CircleOverlay overlay;
-    QRandomGenerator random(20);
-    const auto anyInt = [&random] { return static_cast<int>(random.generate()) >> random.bounded(31); };
+    Rng rng(20);
+    const auto anyInt = [&rng] {
+        const int number = static_cast<int>(rng.word());
+        return number >> rng.between(0, 30);
+    };
     for (int i = 0; i < 500; ++i) {
         const SelectionCircle circle{anyInt(), anyInt(), anyInt()};
         const CirclePen pen{Qt::red, anyInt(), Qt::DotLine};
@@ -233,7 +235,7 @@ void tst_CircleOverlay::drawsHostileCirclesToo()
 
 void tst_CircleOverlay::startsAfreshWhenCleared()
 {
-    const QImage photograph = noise(60, 50, QImage::Format_RGB32);
+    const QImage photograph = noise({60, 50}, QImage::Format_RGB32);
     CircleOverlay overlay;
     for (int i = 0; i < 3; ++i) {
         overlay.picture(photograph, SelectionCircle{30, 25, 20 + i}, redPen);

@@ -1,7 +1,7 @@
 #include "circlepainter.h"
 
-#include "circlechance.h"
 #include "cputime.h"
+#include "randomcircles.h"
 
 #include <QImage>
 #include <QPainter>
@@ -32,9 +32,19 @@ void drawWithThePainterAlone(QImage &picture, const SelectionCircle &circle, con
     painter.drawRect(QRect(QPoint(cx - r, cy - r), QPoint(cx + r, cy + r)));
 }
 
-QImage transparent(int width, int height)
+QImage randomPicture(Rng &rng)
 {
-    QImage image(width, height, QImage::Format_ARGB32);
+    QImage image(QSize{rng.between(1, 160), rng.between(1, 160)}, QImage::Format_ARGB32);
+    const QRgb opaque = rng.oneIn(2) ? 0xff000000U : 0U;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixel(x, y, rng.word() | opaque);
+    return image;
+}
+
+QImage transparent(QSize size)
+{
+    QImage image(size, QImage::Format_ARGB32);
     image.fill(Qt::transparent);
     return image;
 }
@@ -152,14 +162,14 @@ void tst_CirclePainter::drawsTheExactPixels()
     QFETCH(int, radius);
     QFETCH(Qt::PenStyle, square);
     QFETCH(QStringList, expected);
-    QImage picture = transparent(11, 11);
+    QImage picture = transparent({11, 11});
     paintCircle(picture, {5, 5, radius}, {Qt::red, 1, square});
     QCOMPARE(charted(picture), expected);
 }
 
 void tst_CirclePainter::drawsTheSquareOnePixelWider()
 {
-    QImage picture = transparent(60, 60);
+    QImage picture = transparent({60, 60});
     paintCircle(picture, {30, 30, 20}, {Qt::red, 1, Qt::SolidLine});
     QCOMPARE(extentOf(picture), QRect(QPoint(10, 10), QPoint(51, 51)));
 }
@@ -167,7 +177,7 @@ void tst_CirclePainter::drawsTheSquareOnePixelWider()
 void tst_CirclePainter::drawsTheCrossTwiceAsLongAsThePen()
 {
     for (const int penSize : {1, 2, 3, 8}) {
-        QImage picture = transparent(200, 200);
+        QImage picture = transparent({200, 200});
         paintCircle(picture, {100, 100, 10000}, {Qt::red, penSize, Qt::DotLine});
         // Two arms and a square cap at either end.
         const QRect extent = extentOf(picture);
@@ -179,14 +189,14 @@ void tst_CirclePainter::drawsTheCrossTwiceAsLongAsThePen()
 
 void tst_CirclePainter::drawsTheSameAsThePainterAlone()
 {
-    Chance chance;
+    Rng rng(20);
     for (int i = 0; i < 1500; ++i) {
-        QImage expected = chance.picture(chance.oneIn(2));
+        QImage expected = randomPicture(rng);
         QImage actual = expected.copy();
-        const SelectionCircle circle = chance.circle(actual.size(), chance.oneIn(4) ? 3000 : 120);
-        const QColor color = chance.color();
-        const int penSize = chance.oneIn(3) ? chance.between(0, 64) : chance.between(0, 9);
-        const Qt::PenStyle square = chance.oneIn(3) ? Qt::SolidLine : Qt::DotLine;
+        const SelectionCircle circle = randomCircle(rng, actual.size(), rng.oneIn(4) ? 3000 : 120);
+        const QColor color = randomColor(rng);
+        const int penSize = rng.oneIn(3) ? rng.between(0, 64) : rng.between(0, 9);
+        const Qt::PenStyle square = rng.oneIn(3) ? Qt::SolidLine : Qt::DotLine;
         drawWithThePainterAlone(expected, circle, color, penSize, square);
         paintCircle(actual, circle, {color, penSize, square});
         QVERIFY2(actual == expected, qPrintable(QString("(%1, %2) radius %3 pen %4")
@@ -230,24 +240,29 @@ void tst_CirclePainter::neverHangsOnHostileValues()
 
 void tst_CirclePainter::drawsAnythingAnywhere()
 {
-    QRandomGenerator random(20);
-    const auto anyInt = [&random] { return static_cast<int>(random.generate()) >> random.bounded(31); };
+    Rng rng(20);
+    const auto anyInt = [&rng] {
+        const int number = static_cast<int>(rng.word());
+        return number >> rng.between(0, 30);
+    };
     for (int i = 0; i < 1500; ++i) {
-        QImage picture = transparent(50, 40);
-        paintCircle(picture, {anyInt(), anyInt(), anyInt()}, {Qt::red, anyInt(), Qt::DotLine});
-        zoneAt({anyInt(), anyInt(), anyInt()}, {anyInt(), anyInt()});
+        QImage picture = transparent({50, 40});
+        const SelectionCircle circle{anyInt(), anyInt(), anyInt()};
+        const QPoint position{anyInt(), anyInt()};
+        paintCircle(picture, circle, {Qt::red, anyInt(), Qt::DotLine});
+        zoneAt(circle, position);
         QCOMPARE(picture.size(), QSize(50, 40));
     }
 }
 
 void tst_CirclePainter::knowsWhereItDraws()
 {
-    Chance chance;
+    Rng rng(20);
     for (int i = 0; i < 1500; ++i) {
-        QImage picture = transparent(chance.between(1, 200), chance.between(1, 200));
-        const SelectionCircle circle = chance.circle(picture.size(), chance.oneIn(4) ? 3000 : 120);
-        const int penSize = chance.oneIn(3) ? chance.between(-64, 64) : chance.between(0, 9);
-        paintCircle(picture, circle, {Qt::red, penSize, chance.oneIn(3) ? Qt::SolidLine : Qt::DotLine});
+        QImage picture = transparent(QSize{rng.between(1, 200), rng.between(1, 200)});
+        const SelectionCircle circle = randomCircle(rng, picture.size(), rng.oneIn(4) ? 3000 : 120);
+        const int penSize = rng.oneIn(3) ? rng.between(-64, 64) : rng.between(0, 9);
+        paintCircle(picture, circle, {Qt::red, penSize, rng.oneIn(3) ? Qt::SolidLine : Qt::DotLine});
         const std::optional<QVector<QRect>> rectangles = paintedRectangles(picture.size(), circle, penSize);
         QVERIFY(rectangles);
         for (const QRect &rectangle : *rectangles)
@@ -264,11 +279,12 @@ void tst_CirclePainter::knowsWhereItDraws()
 
 void tst_CirclePainter::keepsItsRectanglesApartAndInside()
 {
-    Chance chance;
+    Rng rng(20);
     for (int i = 0; i < 300; ++i) {
-        const QSize size(chance.between(1, 300), chance.between(1, 300));
+        const QSize size{rng.between(1, 300), rng.between(1, 300)};
+        const SelectionCircle circle = randomCircle(rng, size, 400);
         const std::optional<QVector<QRect>> rectangles =
-            paintedRectangles(size, chance.circle(size, 400), chance.between(-20, 20));
+            paintedRectangles(size, circle, rng.between(-20, 20));
         QVERIFY(rectangles);
         QRegion covered;
         for (const QRect &rectangle : *rectangles) {

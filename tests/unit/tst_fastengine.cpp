@@ -9,10 +9,10 @@
 #include "imagecompare.h"
 #include "messagecollector.h"
 #include "referenceengine.h"
+#include "rng.h"
 
 #include <QMap>
 #include <QPair>
-#include <QRandomGenerator>
 #include <QtTest>
 
 #include <algorithm>
@@ -74,29 +74,15 @@ private:
     bool m_scalar;
 };
 
-/// Seeded chance: the same sets on every machine.
-class Chance
-{
-public:
-    explicit Chance(quint32 seed) : m_generator(seed) {}
-    int number(int first, int last) { return m_generator.bounded(first, last + 1); }
-    double real(double first, double last) { return first + (last - first) * m_generator.generateDouble(); }
-    bool oneIn(int n) { return number(1, n) == 1; }
-    quint32 word() { return m_generator.generate(); }
-
-private:
-    QRandomGenerator m_generator;
-};
-
 enum class Alpha { Opaque, Random, Extreme };
 
-QImage noise(Chance &chance, QSize size, Alpha alpha)
+QImage noise(Rng &rng, QSize size, Alpha alpha)
 {
     QImage image(size, alpha == Alpha::Opaque ? QImage::Format_RGB32 : QImage::Format_ARGB32);
     for (int y = 0; y < size.height(); ++y) {
         auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
         for (int x = 0; x < size.width(); ++x) {
-            const quint32 word = chance.word();
+            const quint32 word = rng.word();
             line[x] = alpha == Alpha::Opaque   ? word | 0xff000000U
                       : alpha == Alpha::Random ? word
                                                : (word & 0xffffff) | (word & 1 ? 0xff000000U : 0U);
@@ -168,24 +154,24 @@ bool isBlank(const QImage &map)
 }
 
 /// A disc that may lie anywhere, on a map of even width that is tilted: what the fast path is for.
-Case anyCase(Chance &chance, int photographSide, QSize largestMap)
+Case anyCase(Rng &rng, int photographSide, QSize largestMap)
 {
-    const QSize size(chance.number(1, photographSide), chance.number(1, photographSide));
+    const QSize size{rng.between(1, photographSide), rng.between(1, photographSide)};
     Case c;
-    c.photograph = noise(chance, size, Alpha(chance.number(0, 2)));
+    c.photograph = noise(rng, size, Alpha(rng.between(0, 2)));
     MapParameters &p = c.parameters;
-    const bool inside = chance.oneIn(2);
+    const bool inside = rng.oneIn(2);
     const int reach = std::min(size.width(), size.height()) / 2;
-    p.centerX = inside ? size.width() / 2 : chance.number(-size.width(), 2 * size.width());
-    p.centerY = inside ? size.height() / 2 : chance.number(-size.height(), 2 * size.height());
-    p.radius = inside ? chance.number(0, reach) : chance.number(-10, 2 * photographSide);
-    p.distance = chance.oneIn(2) ? chance.real(1.01, 12) : chance.real(12, 200);
+    p.centerX = inside ? size.width() / 2 : rng.between(-size.width(), 2 * size.width());
+    p.centerY = inside ? size.height() / 2 : rng.between(-size.height(), 2 * size.height());
+    p.radius = inside ? rng.between(0, reach) : rng.between(-10, 2 * photographSide);
+    p.distance = rng.oneIn(2) ? rng.real(1.01, 12) : rng.real(12, 200);
     p.outputSizeX =
-        chance.oneIn(8) ? chance.number(1, largestMap.width()) : 2 * chance.number(1, largestMap.width() / 2);
-    p.outputSizeY = chance.number(1, largestMap.height());
-    p.latitude = chance.oneIn(4) ? chance.real(-400, 400) : chance.number(-180, 180);
-    p.longitude = chance.oneIn(4) ? chance.real(-720, 720) : chance.number(-180, 180);
-    p.azimuth = chance.oneIn(3) ? 0 : chance.oneIn(2) ? chance.real(-400, 400) : chance.number(-180, 180);
+        rng.oneIn(8) ? rng.between(1, largestMap.width()) : 2 * rng.between(1, largestMap.width() / 2);
+    p.outputSizeY = rng.between(1, largestMap.height());
+    p.latitude = rng.oneIn(4) ? rng.real(-400, 400) : rng.between(-180, 180);
+    p.longitude = rng.oneIn(4) ? rng.real(-720, 720) : rng.between(-180, 180);
+    p.azimuth = rng.oneIn(3) ? 0 : rng.oneIn(2) ? rng.real(-400, 400) : rng.between(-180, 180);
     return c;
 }
 
@@ -466,9 +452,9 @@ void tst_FastEngine::agreesForRandomSets()
     int composed = 0;
     const int sets = setsToTry(2000);
     for (int set = 0; set < sets; ++set) {
-        Chance chance{quint32(set)};
+        Rng rng{quint32(set)};
         const bool large = set % 50 == 0;
-        const Case c = anyCase(chance, large ? 300 : 60, large ? QSize(300, 200) : QSize(64, 40));
+        const Case c = anyCase(rng, large ? 300 : 60, large ? QSize(300, 200) : QSize(64, 40));
         const QString found = difference(c);
         if (!found.isEmpty())
             QFAIL(qPrintable(QStringLiteral("Set %1: %2").arg(set).arg(found)));
@@ -483,10 +469,10 @@ void tst_FastEngine::agreesForRandomSets()
 
 void tst_FastEngine::agreesForEverySmallSize()
 {
-    Chance chance(7);
+    Rng rng(7);
     for (int width = 1; width <= 40; ++width)
         for (int height = 1; height <= 40; ++height) {
-            Case c = anyCase(chance, 30, {40, 40});
+            Case c = anyCase(rng, 30, {40, 40});
             c.parameters.outputSizeX = width;
             c.parameters.outputSizeY = height;
             const QString found = difference(c);
@@ -508,9 +494,9 @@ void tst_FastEngine::agreesForLargeAndOddSizes()
 {
     QFETCH(QSize, size);
     for (const Alpha alpha : {Alpha::Opaque, Alpha::Random}) {
-        Chance chance(11);
+        Rng rng(11);
         Case c;
-        c.photograph = noise(chance, {200, 200}, alpha);
+        c.photograph = noise(rng, {200, 200}, alpha);
         c.parameters = {100, 100, 98, 6.6, size.width(), size.height(), 35, 45, 30};
         // The shift of the operations ends at 32767 columns.
         if (size.width() > 32767 || size.height() > 32767) {
@@ -523,9 +509,9 @@ void tst_FastEngine::agreesForLargeAndOddSizes()
 
 void tst_FastEngine::agreesAtEveryWholeDegree()
 {
-    Chance chance(13);
+    Rng rng(13);
     Case c;
-    c.photograph = noise(chance, {60, 60}, Alpha::Random);
+    c.photograph = noise(rng, {60, 60}, Alpha::Random);
     c.parameters = {30, 30, 29, 6.6, 36, 18, 0, 0, 0};
     for (int degree = -360; degree <= 360; ++degree) {
         c.parameters.latitude = degree;
@@ -551,9 +537,9 @@ void tst_FastEngine::agreesWhereCoordinatesAreWhole()
 {
     QFETCH(QSize, size);
     QFETCH(double, latitude);
-    Chance chance(17);
+    Rng rng(17);
     Case c;
-    c.photograph = noise(chance, {101, 101}, Alpha::Opaque);
+    c.photograph = noise(rng, {101, 101}, Alpha::Opaque);
     for (const double azimuth : {0.0, 90.0, 45.0})
         for (const double longitude : {-90.0, 0.0, 270.0}) {
             c.parameters = {50, 50, 50, 100, size.width(), size.height(), latitude, longitude, azimuth};
@@ -584,9 +570,9 @@ void tst_FastEngine::agreesForCirclesThatLeaveThePhotograph()
     QFETCH(QPoint, center);
     for (const Alpha alpha : {Alpha::Opaque, Alpha::Random, Alpha::Extreme})
         for (const int radius : {39, 40, 41, -39, 500, 40000}) {
-            Chance chance(19);
+            Rng rng(19);
             Case c;
-            c.photograph = noise(chance, {100, 100}, alpha);
+            c.photograph = noise(rng, {100, 100}, alpha);
             c.parameters = {center.x(), center.y(), radius, 100, 96, 48, 35, 139, 30};
             QCOMPARE(difference(c), QString());
         }
@@ -595,9 +581,9 @@ void tst_FastEngine::agreesForCirclesThatLeaveThePhotograph()
 void tst_FastEngine::agreesWhereTheTopRowIsLost()
 {
     for (const int photographHeight : {161, 103, 107, 187}) {
-        Chance chance(23);
+        Rng rng(23);
         Case c;
-        c.photograph = noise(chance, {21, photographHeight}, Alpha::Random);
+        c.photograph = noise(rng, {21, photographHeight}, Alpha::Random);
         c.parameters = {10, photographHeight / 2, 10, 6.6, 32, 1024, 35, 139, 0};
         QCOMPARE(difference(c), QString());
     }
@@ -605,12 +591,12 @@ void tst_FastEngine::agreesWhereTheTopRowIsLost()
 
 void tst_FastEngine::ignoresTheUnusedBitsOfOpaquePhotographs()
 {
-    Chance chance(37);
+    Rng rng(37);
     Case c;
-    c.photograph = noise(chance, {60, 60}, Alpha::Opaque);
+    c.photograph = noise(rng, {60, 60}, Alpha::Opaque);
     for (int y = 0; y < 60; ++y)
         for (int x = 0; x < 60; ++x)
-            reinterpret_cast<QRgb *>(c.photograph.scanLine(y))[x] &= 0x00ffffffU | chance.word();
+            reinterpret_cast<QRgb *>(c.photograph.scanLine(y))[x] &= 0x00ffffffU | rng.word();
     for (const int width : {64, 63})
         for (const double latitude : {35.0, 90.0}) {
             c.parameters = {30, 30, 29, 6.6, width, 32, latitude, 139, 30};
@@ -632,8 +618,8 @@ void tst_FastEngine::rotatesAsTheReference()
 {
     QFETCH(int, axis);
     QFETCH(QSize, size);
-    Chance chance(29);
-    QImage map = noise(chance, size, Alpha::Random).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    Rng rng(29);
+    QImage map = noise(rng, size, Alpha::Random).convertToFormat(QImage::Format_ARGB32_Premultiplied);
     for (const Way &way : ways()) {
         const ForcedWay forced(way);
         for (const int angle : {0, 35, 90, -90, 180, 359}) {
@@ -660,8 +646,8 @@ void tst_FastEngine::leavesWhatItDoesNotCover()
     parameters.radius = 10;
     parameters.photographWidth = 20;
     parameters.photographHeight = 20;
-    Chance chance(31);
-    const QImage photograph = noise(chance, {20, 20}, Alpha::Opaque);
+    Rng rng(31);
+    const QImage photograph = noise(rng, {20, 20}, Alpha::Opaque);
     const ConstImageView pixels = {reinterpret_cast<const quint32 *>(photograph.constBits()), 20, 20, 20,
                                    0xff000000U};
     const auto covers = [&](QSize size, int radius) {

@@ -489,11 +489,11 @@ void tst_IniFile::changedFileOfSameSizeAndTimeIsReadAnew()
 void tst_IniFile::hostileFileIsReadAndSaved_data()
 {
     QTest::addColumn<QByteArray>("contents");
-    std::mt19937 random(11); // NOLINT(cert-msc51-cpp): the same noise in every run
-    const auto noise = [&random](int size) {
+    Rng rng(11);
+    const auto noise = [&rng](int size) {
         QByteArray bytes(size, '\0');
         for (char &byte : bytes)
-            byte = static_cast<char>(random());
+            byte = static_cast<char>(rng.word());
         return bytes;
     };
     for (const int size : {1, 100, 5000, 300000})
@@ -657,7 +657,7 @@ void tst_IniFile::fullSmallDiskLeavesOldFile()
 void tst_IniFile::killedProcessLeavesWholeFile()
 {
     QVERIFY(QDir(m_folder->path()).mkdir("work"));
-    std::mt19937 random(20261122); // NOLINT(cert-msc51-cpp): the same moments in every run
+    Rng rng(20261122);
     const auto writeTwice = [&] {
         qputenv("TMPDIR",
                 QFile::encodeName(in("work"))); // what a killed process leaves behind goes with the test
@@ -666,7 +666,7 @@ void tst_IniFile::killedProcessLeavesWholeFile()
     };
     const auto within = durationOf(writeTwice);
     for (int i = 0; i < 60; ++i) {
-        QVERIFY(killedInTheMiddle(writeTwice, within, random));
+        QVERIFY(killedInTheMiddle(writeTwice, within, rng));
         QVERIFY2(holds(ini(), manyValues(0)) || holds(ini(), manyValues(1)),
                  contentsOf(ini()).right(80).constData());
     }

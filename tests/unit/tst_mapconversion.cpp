@@ -5,12 +5,14 @@
 #include "messagecollector.h"
 #include "pictures.h"
 #include "referenceengine.h"
+#include "rng.h"
 
 #include <QColor>
 #include <QFile>
 #include <QTimer>
 #include <QtTest>
 
+#include <array>
 #include <limits>
 
 #ifdef Q_OS_LINUX
@@ -323,11 +325,13 @@ void tst_MapConversion::convertsSixteenBitChannels()
 {
     QFETCH(QImage::Format, format);
     QImage deep(256, 200, format);
-    quint32 state = 1;
-    const auto next = [&state] { return quint16((state = state * 1664525U + 1013904223U) >> 16); };
+    Rng rng(1);
+    const auto channel = [&rng] { return static_cast<quint16>(rng.between(0, 65535)); };
     for (int y = 0; y < deep.height(); ++y) {
-        for (int x = 0; x < deep.width(); ++x)
-            deep.setPixelColor(x, y, QColor::fromRgba64(next(), next(), next(), next()));
+        for (int x = 0; x < deep.width(); ++x) {
+            const std::array<quint16, 4> rgba{channel(), channel(), channel(), channel()};
+            deep.setPixelColor(x, y, QColor::fromRgba64(rgba[0], rgba[1], rgba[2], rgba[3]));
+        }
     }
     const MessageCollector silent;
     MapParameters rotated = projectionOnly();

@@ -18,11 +18,10 @@ QImage map(int width, int height, uint seed = 1)
 {
     QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
-    std::mt19937 random(seed);
+    Rng rng(seed);
     for (int y = 0; y < height; ++y) {
         for (int x = y % 3; x < width; x += 2)
-            image.setPixelColor(
-                x, y, QColor::fromRgb(qRgb(x * 3 % 256, y * 5 % 256, static_cast<int>(random() % 256))));
+            image.setPixelColor(x, y, QColor::fromRgb(qRgb(x * 3 % 256, y * 5 % 256, rng.between(0, 255))));
     }
     return image;
 }
@@ -230,14 +229,14 @@ void tst_MapFile::killedProcessLeavesWholeMap()
     QVERIFY(saveMap(second, in("second"), "jpg", 90));
     const QByteArray firstBytes = contentsOf(in("first"));
     const QByteArray secondBytes = contentsOf(in("second"));
-    std::mt19937 random(20261121); // NOLINT(cert-msc51-cpp): the same moments in every run
+    Rng rng(20261121);
     const auto saveTwice = [&] {
         saveMap(first, path, "jpg", 90);
         saveMap(second, path, "jpg", 90);
     };
     const auto within = durationOf(saveTwice);
     for (int i = 0; i < 60; ++i) {
-        QVERIFY(killedInTheMiddle(saveTwice, within, random));
+        QVERIFY(killedInTheMiddle(saveTwice, within, rng));
         const QByteArray found = contentsOf(path);
         QVERIFY2(found == firstBytes || found == secondBytes, qPrintable(QString::number(found.size())));
     }

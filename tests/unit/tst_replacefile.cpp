@@ -345,14 +345,14 @@ void tst_ReplaceFile::killedProcessLeavesWholeFile()
     const QByteArray first(500000, 'a');
     const QByteArray second(300000, 'b');
     writeFile(path, oldContents);
-    std::mt19937 random(20261120); // NOLINT(cert-msc51-cpp): the same moments in every run
+    Rng rng(20261120);
     const auto replaceTwice = [&] {
         replaceFile(path, first, ReadOnlyFolder::WriteInPlace);
         replaceFile(path, second, ReadOnlyFolder::WriteInPlace);
     };
     const auto within = durationOf(replaceTwice);
     for (int i = 0; i < 60; ++i) {
-        QVERIFY(killedInTheMiddle(replaceTwice, within, random));
+        QVERIFY(killedInTheMiddle(replaceTwice, within, rng));
         const QByteArray found = contentsOf(path);
         QVERIFY2(found == first || found == second, qPrintable(QString::number(found.size())));
     }

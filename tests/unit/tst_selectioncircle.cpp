@@ -1,7 +1,7 @@
 #include "selectioncircle.h"
 
-#include "circlechance.h"
 #include "cputime.h"
+#include "rng.h"
 
 #include <QImage>
 #include <QRegion>
@@ -258,7 +258,7 @@ void tst_SelectionCircle::showsTheCursor()
 
 void tst_SelectionCircle::zonesEqualRegionsOnAGrid()
 {
-    Chance chance;
+    Rng rng(20);
     const auto compare = [](const SelectionCircle &circle, int step) {
         const RegionZones expected(circle);
         const int edge = qAbs(circle.radius) + 20;
@@ -277,9 +277,9 @@ void tst_SelectionCircle::zonesEqualRegionsOnAGrid()
         return QString();
     };
     for (int radius = -24; radius <= 40; ++radius)
-        QCOMPARE(compare({chance.between(-900, 900), chance.between(-900, 900), radius}, 1), QString());
+        QCOMPARE(compare({rng.between(-900, 900), rng.between(-900, 900), radius}, 1), QString());
     for (int radius = 41; radius <= 900; radius += 43)
-        QCOMPARE(compare({chance.between(-900, 900), chance.between(-900, 900), radius}, 2 + radius / 20),
+        QCOMPARE(compare({rng.between(-900, 900), rng.between(-900, 900), radius}, 2 + radius / 20),
                  QString());
 }
 
@@ -294,10 +294,10 @@ void tst_SelectionCircle::zonesEqualRegionsOnLargeRings()
 {
     QFETCH(SelectionCircle, circle);
     const RegionZones expected(circle);
-    Chance chance;
+    Rng rng(20);
     for (int i = 0; i < 1500; ++i) {
         const double angle = i * 0.00418879;
-        const double distance = circle.radius + chance.between(-12, 12);
+        const double distance = circle.radius + rng.between(-12, 12);
         const QPoint p(circle.centerX + qRound(distance * std::cos(angle)),
                        circle.centerY + qRound(distance * std::sin(angle)));
         QVERIFY2(zoneAt(circle, p) == expected.at(p), qPrintable(QString("(%1, %2)").arg(p.x()).arg(p.y())));

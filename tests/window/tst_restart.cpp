@@ -5,6 +5,7 @@
 #include "freshwindow.h"
 #include "messagecollector.h"
 #include "referencemap.h"
+#include "rng.h"
 #include "settingsdump.h"
 
 #include <QFile>
@@ -14,7 +15,6 @@
 #include <QThread>
 
 #include <limits>
-#include <random>
 #include <sys/resource.h>
 
 namespace
@@ -207,13 +207,13 @@ void tst_Restart::killedWhileClosing()
         setAll(*window, 1);
         window->close();
     }
-    std::mt19937 random(1);
+    Rng rng(1);
     int last = 1;
     for (int i = 0; i < 40; ++i) {
         QProcess process;
         process.start(QCoreApplication::applicationFilePath(), {"--close-for-ever", settingFile()});
         QVERIFY(process.waitForReadyRead());
-        QThread::usleep(std::uniform_int_distribution<unsigned long>(0, 50000)(random));
+        QThread::usleep(static_cast<unsigned long>(rng.between(0, 50000)));
         process.kill();
         QVERIFY(process.waitForFinished());
         QCOMPARE(process.exitStatus(), QProcess::CrashExit);
