@@ -2,6 +2,7 @@
 // save of it would be.
 
 #include "modaldriver.h"
+#include "photographs.h"
 #include "rng.h"
 #include "testwindow.h"
 
@@ -76,11 +77,7 @@ void tst_MutatedBatch::everyVerdictIsThatOfAnIndependentLoad()
     qInfo("seed %d, %d files", seed, count);
     Rng rng(static_cast<quint32>(seed));
 
-    QImage photograph(90, 70, QImage::Format_RGB32);
-    for (int y = 0; y < 70; ++y) {
-        for (int x = 0; x < 90; ++x)
-            photograph.setPixel(x, y, qRgb(x * 2, y * 3, (x * y) % 256));
-    }
+    const QImage photograph = colourfulPhotograph({90, 70});
     QFile gif(QStringLiteral(OVMIC_SAMPLES "/earth-tokyo.gif"));
     QVERIFY(gif.open(QIODevice::ReadOnly));
     const QByteArray originals[] = {encoded(photograph, "png"), encoded(photograph, "jpg"), gif.read(20000)};

@@ -1,6 +1,7 @@
 // The recipes of docs/batch.md, as they stand there: they share a list of photographs out to several processes and
 // lose none, however many there are.
 
+#include "photographs.h"
 #include "programfolder.h"
 
 #include <QDir>
@@ -42,8 +43,7 @@ public:
         m_folder.mkpath("maps");
         QFile::link(shared.program(), m_folder.filePath("ovmic"));
         write("ovmic.ini", "[General]\nOutputFolder=maps\nOutputSizeX=16\nOutputSizeY=8\nRadius=3\n");
-        QImage picture(8, 8, QImage::Format_RGB32);
-        picture.fill(Qt::green);
+        const QImage picture = solidPhotograph({8, 8}, Qt::green);
         for (int i = 0; i < photographs; ++i) {
             m_names.append(QStringLiteral("photo %1").arg(i, 2, 10, QLatin1Char('0')));
             picture.save(m_folder.filePath("photographs/" + m_names.last() + ".png"));

@@ -2,6 +2,7 @@
 
 #include "desktop.h"
 #include "imagecompare.h"
+#include "photographs.h"
 #include "referenceengine.h"
 #include "testwindow.h"
 
@@ -108,13 +109,8 @@ void tst_DesktopWalk::cleanup()
 
 QString tst_DesktopWalk::writePhotograph(const QString &name)
 {
-    QImage photograph(400, 300, QImage::Format_RGB32);
-    for (int y = 0; y < photograph.height(); ++y) {
-        for (int x = 0; x < photograph.width(); ++x)
-            photograph.setPixel(x, y, qRgb(x % 256, y % 256, (x * 7 + y * 13) % 256));
-    }
     const QString path = m_desktop->folder().filePath(name);
-    return photograph.save(path) ? path : QString();
+    return colourfulPhotograph({400, 300}).save(path) ? path : QString();
 }
 
 // Starts with a photograph on the command line, as a file manager would.

@@ -1,9 +1,9 @@
 // The executable as a process, without a window: `ovmic /batch image image...`.
 
 #include "imagecompare.h"
+#include "photographs.h"
 #include "programfolder.h"
 #include "referenceengine.h"
-#include "rng.h"
 
 #include <QDir>
 #include <QFile>
@@ -27,13 +27,8 @@ QStringList writePhotographs(const ProgramFolder &folder, int count)
     QDir(folder.filePath(".")).mkdir("in");
     QStringList paths;
     for (int i = 0; i < count; ++i) {
-        QImage picture(50, 40, QImage::Format_RGB32);
-        for (int y = 0; y < 40; ++y) {
-            for (int x = 0; x < 50; ++x)
-                picture.setPixel(x, y, qRgb((x * (i + 1)) % 256, y * 6, (i * 37) % 256));
-        }
         paths.append(folder.filePath(QStringLiteral("in/photo%1.png").arg(i, 3, 10, QLatin1Char('0'))));
-        if (!picture.save(paths.last()))
+        if (!seriesPhotograph({50, 40}, i).save(paths.last()))
             qFatal("cannot write %s", qPrintable(paths.last()));
     }
     return paths;
@@ -252,12 +247,8 @@ void tst_Unattended::fullDiskLeavesNoPartialMap()
 {
     const ProgramFolder folder;
     const QStringList photographs = writePhotographs(folder, 2);
-    QImage noise(400, 400, QImage::Format_RGB32);
     Rng rng(1);
-    for (int y = 0; y < 400; ++y) {
-        for (int x = 0; x < 400; ++x)
-            noise.setPixel(x, y, 0xff000000U | rng.word());
-    }
+    const QImage noise = noisePhotograph(rng, {400, 400}, Alpha::Opaque);
     QVERIFY(noise.save(folder.filePath("in/large.png")));
     QVERIFY(QDir(folder.filePath(".")).mkdir("maps"));
     folder.write("maps/large.png", "the old map");

@@ -93,3 +93,10 @@ QString imageDifference(const QImage &actual, const QImage &expected)
             .arg(describePixel(actual, first), describePixel(expected, first));
     return withFiles(pixels, actual, expected);
 }
+
+bool isBlank(const QImage &map)
+{
+    QImage blank(map.size(), map.format());
+    blank.fill(Qt::transparent);
+    return map == blank;
+}

@@ -11,6 +11,9 @@
 /// @return empty when they are equal, else sizes, first differing pixel, number of differing pixels and files
 QString imageDifference(const QImage &actual, const QImage &expected);
 
+/// Whether nothing is painted on a map: every pixel is transparent black.
+bool isBlank(const QImage &map);
+
 /// Fails the running test function with what imageDifference() says.
 #define COMPARE_IMAGES(actual, expected)                                                                     \
     do {                                                                                                     \

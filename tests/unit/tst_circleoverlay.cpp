@@ -1,5 +1,6 @@
 #include "circleoverlay.h"
 
+#include "photographs.h"
 #include "randomcircles.h"
 
 #include <QtTest>
@@ -32,19 +33,17 @@ QString difference(const QPixmap &actual, const QPixmap &expected)
     return a == b ? QString() : "pixels";
 }
 
-QImage noise(QSize size, QImage::Format format, int opaqueShare = 1)
+QImage noise(QSize size, QImage::Format format, Alpha alpha = Alpha::Opaque)
 {
     static Rng rng(20);
-    QImage image(size, QImage::Format_ARGB32);
-    for (int y = 0; y < size.height(); ++y)
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixel(x, y, rng.word() | (rng.oneIn(opaqueShare) ? 0xff000000U : 0U));
-    return image.convertToFormat(format);
+    return noisePhotograph(rng, size, alpha).convertToFormat(format);
 }
 
 const CirclePen redPen{Qt::red, 3, Qt::DotLine};
 
 } // namespace
+
+Q_DECLARE_METATYPE(Alpha)
 
 class tst_CircleOverlay : public QObject
 {
@@ -78,30 +77,30 @@ void tst_CircleOverlay::givesNothingForNoPhotograph()
 void tst_CircleOverlay::equalsTheUncachedPicture_data()
 {
     QTest::addColumn<QImage::Format>("format");
-    QTest::addColumn<int>("opaqueShare"); // one pixel in so many is opaque for certain
+    QTest::addColumn<Alpha>("alpha");
 
-    QTest::newRow("RGB32, a JPEG photograph") << QImage::Format_RGB32 << 1;
-    QTest::newRow("ARGB32, all of it opaque") << QImage::Format_ARGB32 << 1;
-    QTest::newRow("ARGB32, half of it translucent") << QImage::Format_ARGB32 << 2;
-    QTest::newRow("premultiplied") << QImage::Format_ARGB32_Premultiplied << 2;
-    QTest::newRow("RGB888") << QImage::Format_RGB888 << 1;
-    QTest::newRow("RGBA8888") << QImage::Format_RGBA8888 << 2;
-    QTest::newRow("palette, a GIF") << QImage::Format_Indexed8 << 1;
-    QTest::newRow("palette with alpha") << QImage::Format_Indexed8 << 2;
-    QTest::newRow("grey") << QImage::Format_Grayscale8 << 1;
-    QTest::newRow("black and white") << QImage::Format_Mono << 1;
-    QTest::newRow("16 bits a channel: the surplus bits go first") << QImage::Format_RGBA64 << 2;
-    QTest::newRow("16 bits of grey") << QImage::Format_Grayscale16 << 1;
-    QTest::newRow("16 bits altogether") << QImage::Format_RGB16 << 1;
+    QTest::newRow("RGB32, a JPEG photograph") << QImage::Format_RGB32 << Alpha::Opaque;
+    QTest::newRow("ARGB32, all of it opaque") << QImage::Format_ARGB32 << Alpha::Opaque;
+    QTest::newRow("ARGB32, half of it translucent") << QImage::Format_ARGB32 << Alpha::Mixed;
+    QTest::newRow("premultiplied") << QImage::Format_ARGB32_Premultiplied << Alpha::Mixed;
+    QTest::newRow("RGB888") << QImage::Format_RGB888 << Alpha::Opaque;
+    QTest::newRow("RGBA8888") << QImage::Format_RGBA8888 << Alpha::Mixed;
+    QTest::newRow("palette, a GIF") << QImage::Format_Indexed8 << Alpha::Opaque;
+    QTest::newRow("palette with alpha") << QImage::Format_Indexed8 << Alpha::Mixed;
+    QTest::newRow("grey") << QImage::Format_Grayscale8 << Alpha::Opaque;
+    QTest::newRow("black and white") << QImage::Format_Mono << Alpha::Opaque;
+    QTest::newRow("16 bits a channel: the surplus bits go first") << QImage::Format_RGBA64 << Alpha::Mixed;
+    QTest::newRow("16 bits of grey") << QImage::Format_Grayscale16 << Alpha::Opaque;
+    QTest::newRow("16 bits altogether") << QImage::Format_RGB16 << Alpha::Opaque;
 }
 
 void tst_CircleOverlay::equalsTheUncachedPicture()
 {
     QFETCH(QImage::Format, format);
-    QFETCH(int, opaqueShare);
+    QFETCH(Alpha, alpha);
     Rng rng(20);
     for (int photographs = 0; photographs < 12; ++photographs) {
-        const QImage photograph = noise(QSize{rng.between(1, 180), rng.between(1, 180)}, format, opaqueShare);
+        const QImage photograph = noise(QSize{rng.between(1, 180), rng.between(1, 180)}, format, alpha);
         CircleOverlay overlay;
         for (int step = 0; step < 12; ++step) {
             std::optional<SelectionCircle> circle;
@@ -173,7 +172,7 @@ void tst_CircleOverlay::leavesEarlierPixmapsAlone()
 void tst_CircleOverlay::leavesThePhotographAlone()
 {
     for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32}) {
-        const QImage photograph = noise({100, 100}, format, 2);
+        const QImage photograph = noise({100, 100}, format, Alpha::Mixed);
         const QImage before = photograph.copy();
         CircleOverlay overlay;
         for (int radius = 10; radius < 14; ++radius)
@@ -214,7 +213,7 @@ void tst_CircleOverlay::looksAtPixelsOnly()
 
 void tst_CircleOverlay::drawsHostileCirclesToo()
 {
-    const QImage photograph = noise({60, 50}, QImage::Format_ARGB32, 2);
+    const QImage photograph = noise({60, 50}, QImage::Format_ARGB32, Alpha::Mixed);
     CircleOverlay overlay;
     Rng rng(20);
     const auto anyInt = [&rng] {

@@ -1,6 +1,7 @@
 #include "circlepainter.h"
 
 #include "cputime.h"
+#include "photographs.h"
 #include "randomcircles.h"
 
 #include <QImage>
@@ -34,19 +35,14 @@ void drawWithThePainterAlone(QImage &picture, const SelectionCircle &circle, con
 
 QImage randomPicture(Rng &rng)
 {
-    QImage image(QSize{rng.between(1, 160), rng.between(1, 160)}, QImage::Format_ARGB32);
-    const QRgb opaque = rng.oneIn(2) ? 0xff000000U : 0U;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            image.setPixel(x, y, rng.word() | opaque);
-    return image;
+    const QSize size{rng.between(1, 160), rng.between(1, 160)};
+    const Alpha alpha = rng.oneIn(2) ? Alpha::Opaque : Alpha::Random;
+    return noisePhotograph(rng, size, alpha).convertToFormat(QImage::Format_ARGB32);
 }
 
 QImage transparent(QSize size)
 {
-    QImage image(size, QImage::Format_ARGB32);
-    image.fill(Qt::transparent);
-    return image;
+    return solidPhotograph(size, Qt::transparent);
 }
 
 /// A picture of characters: red '#', untouched '.', anything else '?'.

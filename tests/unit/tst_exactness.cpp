@@ -3,6 +3,7 @@
 
 #include "imagecompare.h"
 #include "messagecollector.h"
+#include "photographs.h"
 #include "referenceengine.h"
 #include "rng.h"
 
@@ -42,14 +43,9 @@ struct Case {
 
 QImage noise(Rng &rng, QSize size, bool transparent)
 {
-    QImage image(size, transparent || rng.oneIn(2) ? QImage::Format_ARGB32 : QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x) {
-            const QRgb pixel = rng.word();
-            image.setPixel(x, y, transparent ? pixel : pixel | 0xff000000U);
-        }
-    }
-    return image;
+    const bool argb = transparent || rng.oneIn(2);
+    const QImage image = noisePhotograph(rng, size, transparent ? Alpha::Random : Alpha::Opaque);
+    return argb ? image.convertToFormat(QImage::Format_ARGB32) : image;
 }
 
 /// A disc inside a photograph, seen from where all of the arithmetic is at work.
@@ -167,16 +163,7 @@ Case makeCase(Kind kind, Rng &rng)
 
 QImage transparentMap(const MapParameters &p)
 {
-    QImage map(p.outputSizeX, p.outputSizeY, QImage::Format_ARGB32_Premultiplied);
-    map.fill(Qt::transparent);
-    return map;
-}
-
-bool isBlank(const QImage &map)
-{
-    QImage blank(map.size(), map.format());
-    blank.fill(Qt::transparent);
-    return map == blank;
+    return canvas({p.outputSizeX, p.outputSizeY});
 }
 
 QString inSet(int set, const QString &difference)

@@ -8,6 +8,7 @@
 
 #include "imagecompare.h"
 #include "messagecollector.h"
+#include "photographs.h"
 #include "referenceengine.h"
 #include "rng.h"
 
@@ -74,23 +75,6 @@ private:
     bool m_scalar;
 };
 
-enum class Alpha { Opaque, Random, Extreme };
-
-QImage noise(Rng &rng, QSize size, Alpha alpha)
-{
-    QImage image(size, alpha == Alpha::Opaque ? QImage::Format_RGB32 : QImage::Format_ARGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        auto *line = reinterpret_cast<QRgb *>(image.scanLine(y));
-        for (int x = 0; x < size.width(); ++x) {
-            const quint32 word = rng.word();
-            line[x] = alpha == Alpha::Opaque   ? word | 0xff000000U
-                      : alpha == Alpha::Random ? word
-                                               : (word & 0xffffff) | (word & 1 ? 0xff000000U : 0U);
-        }
-    }
-    return image;
-}
-
 struct Case {
     QImage photograph;
     MapParameters parameters;
@@ -146,19 +130,12 @@ QString difference(const Case &c)
     return {};
 }
 
-bool isBlank(const QImage &map)
-{
-    QImage blank(map.size(), map.format());
-    blank.fill(Qt::transparent);
-    return map == blank;
-}
-
 /// A disc that may lie anywhere, on a map of even width that is tilted: what the fast path is for.
 Case anyCase(Rng &rng, int photographSide, QSize largestMap)
 {
     const QSize size{rng.between(1, photographSide), rng.between(1, photographSide)};
     Case c;
-    c.photograph = noise(rng, size, Alpha(rng.between(0, 2)));
+    c.photograph = noisePhotograph(rng, size, rng.of({Alpha::Opaque, Alpha::Random, Alpha::Extreme}));
     MapParameters &p = c.parameters;
     const bool inside = rng.oneIn(2);
     const int reach = std::min(size.width(), size.height()) / 2;
@@ -496,7 +473,7 @@ void tst_FastEngine::agreesForLargeAndOddSizes()
     for (const Alpha alpha : {Alpha::Opaque, Alpha::Random}) {
         Rng rng(11);
         Case c;
-        c.photograph = noise(rng, {200, 200}, alpha);
+        c.photograph = noisePhotograph(rng, {200, 200}, alpha);
         c.parameters = {100, 100, 98, 6.6, size.width(), size.height(), 35, 45, 30};
         // The shift of the operations ends at 32767 columns.
         if (size.width() > 32767 || size.height() > 32767) {
@@ -511,7 +488,7 @@ void tst_FastEngine::agreesAtEveryWholeDegree()
 {
     Rng rng(13);
     Case c;
-    c.photograph = noise(rng, {60, 60}, Alpha::Random);
+    c.photograph = noisePhotograph(rng, {60, 60}, Alpha::Random);
     c.parameters = {30, 30, 29, 6.6, 36, 18, 0, 0, 0};
     for (int degree = -360; degree <= 360; ++degree) {
         c.parameters.latitude = degree;
@@ -539,7 +516,7 @@ void tst_FastEngine::agreesWhereCoordinatesAreWhole()
     QFETCH(double, latitude);
     Rng rng(17);
     Case c;
-    c.photograph = noise(rng, {101, 101}, Alpha::Opaque);
+    c.photograph = noisePhotograph(rng, {101, 101}, Alpha::Opaque);
     for (const double azimuth : {0.0, 90.0, 45.0})
         for (const double longitude : {-90.0, 0.0, 270.0}) {
             c.parameters = {50, 50, 50, 100, size.width(), size.height(), latitude, longitude, azimuth};
@@ -572,7 +549,7 @@ void tst_FastEngine::agreesForCirclesThatLeaveThePhotograph()
         for (const int radius : {39, 40, 41, -39, 500, 40000}) {
             Rng rng(19);
             Case c;
-            c.photograph = noise(rng, {100, 100}, alpha);
+            c.photograph = noisePhotograph(rng, {100, 100}, alpha);
             c.parameters = {center.x(), center.y(), radius, 100, 96, 48, 35, 139, 30};
             QCOMPARE(difference(c), QString());
         }
@@ -583,7 +560,7 @@ void tst_FastEngine::agreesWhereTheTopRowIsLost()
     for (const int photographHeight : {161, 103, 107, 187}) {
         Rng rng(23);
         Case c;
-        c.photograph = noise(rng, {21, photographHeight}, Alpha::Random);
+        c.photograph = noisePhotograph(rng, {21, photographHeight}, Alpha::Random);
         c.parameters = {10, photographHeight / 2, 10, 6.6, 32, 1024, 35, 139, 0};
         QCOMPARE(difference(c), QString());
     }
@@ -593,7 +570,7 @@ void tst_FastEngine::ignoresTheUnusedBitsOfOpaquePhotographs()
 {
     Rng rng(37);
     Case c;
-    c.photograph = noise(rng, {60, 60}, Alpha::Opaque);
+    c.photograph = noisePhotograph(rng, {60, 60}, Alpha::Opaque);
     for (int y = 0; y < 60; ++y)
         for (int x = 0; x < 60; ++x)
             reinterpret_cast<QRgb *>(c.photograph.scanLine(y))[x] &= 0x00ffffffU | rng.word();
@@ -619,7 +596,8 @@ void tst_FastEngine::rotatesAsTheReference()
     QFETCH(int, axis);
     QFETCH(QSize, size);
     Rng rng(29);
-    QImage map = noise(rng, size, Alpha::Random).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    QImage map =
+        noisePhotograph(rng, size, Alpha::Random).convertToFormat(QImage::Format_ARGB32_Premultiplied);
     for (const Way &way : ways()) {
         const ForcedWay forced(way);
         for (const int angle : {0, 35, 90, -90, 180, 359}) {
@@ -647,7 +625,7 @@ void tst_FastEngine::leavesWhatItDoesNotCover()
     parameters.photographWidth = 20;
     parameters.photographHeight = 20;
     Rng rng(31);
-    const QImage photograph = noise(rng, {20, 20}, Alpha::Opaque);
+    const QImage photograph = noisePhotograph(rng, {20, 20}, Alpha::Opaque);
     const ConstImageView pixels = {reinterpret_cast<const quint32 *>(photograph.constBits()), 20, 20, 20,
                                    0xff000000U};
     const auto covers = [&](QSize size, int radius) {

@@ -1,4 +1,5 @@
 #include "imagecompare.h"
+#include "photographs.h"
 
 #include <QColor>
 #include <QTemporaryDir>
@@ -7,11 +8,9 @@
 namespace
 {
 
-QImage plain(int width, int height, const QColor &color)
+QImage solid(QSize size, const QColor &color)
 {
-    QImage image(width, height, QImage::Format_ARGB32_Premultiplied);
-    image.fill(color);
-    return image;
+    return solidPhotograph(size, color, QImage::Format_ARGB32_Premultiplied);
 }
 
 } // namespace
@@ -29,6 +28,7 @@ private slots:
     void seesAlphaAlone();
     void seesColoursThatLookTheSame();
     void savesBothPictures();
+    void blankIsTransparentBlackAlone();
 
 private:
     QTemporaryDir m_folder;
@@ -44,7 +44,7 @@ void tst_ImageCompare::findsNothingInEqualPictures_data()
 {
     QTest::addColumn<QImage>("actual");
     QTest::addColumn<QImage>("expected");
-    const QImage red = plain(3, 2, Qt::red);
+    const QImage red = solid({3, 2}, Qt::red);
     QTest::newRow("the same picture") << red << red;
     QTest::newRow("a copy") << red << red.copy();
     QTest::newRow("another format, the same colours") << red << red.convertToFormat(QImage::Format_RGB888);
@@ -60,7 +60,7 @@ void tst_ImageCompare::findsNothingInEqualPictures()
 
 void tst_ImageCompare::namesTheFirstPixelAndTheNumber()
 {
-    const QImage expected = plain(4, 3, Qt::red);
+    const QImage expected = solid({4, 3}, Qt::red);
     QImage actual = expected;
     actual.setPixelColor(3, 1, Qt::blue);
     actual.setPixelColor(0, 2, Qt::green);
@@ -72,8 +72,8 @@ void tst_ImageCompare::namesTheFirstPixelAndTheNumber()
 
 void tst_ImageCompare::namesBothSizes()
 {
-    const QImage expected = plain(4, 3, Qt::red);
-    QVERIFY(imageDifference(plain(3, 4, Qt::red), expected)
+    const QImage expected = solid({4, 3}, Qt::red);
+    QVERIFY(imageDifference(solid({3, 4}, Qt::red), expected)
                 .startsWith(QStringLiteral("The picture is 3 x 4, expected 4 x 3.")));
     QVERIFY(imageDifference(QImage(), expected)
                 .startsWith(QStringLiteral("The picture is 0 x 0, expected 4 x 3.")));
@@ -81,13 +81,13 @@ void tst_ImageCompare::namesBothSizes()
 
 void tst_ImageCompare::seesAlphaAlone()
 {
-    QVERIFY(!imageDifference(plain(1, 1, QColor(0, 0, 0, 0)), plain(1, 1, QColor(0, 0, 0, 1))).isEmpty());
+    QVERIFY(!imageDifference(solid({1, 1}, QColor(0, 0, 0, 0)), solid({1, 1}, QColor(0, 0, 0, 1))).isEmpty());
 }
 
 void tst_ImageCompare::seesColoursThatLookTheSame()
 {
     // No colour has more of a channel than of alpha; to QColor both are the brightest red.
-    QImage actual = plain(1, 1, Qt::transparent);
+    QImage actual = solid({1, 1}, Qt::transparent);
     QImage expected = actual;
     *reinterpret_cast<QRgb *>(actual.bits()) = qRgba(100, 0, 0, 50);
     *reinterpret_cast<QRgb *>(expected.bits()) = qRgba(50, 0, 0, 50);
@@ -96,8 +96,8 @@ void tst_ImageCompare::seesColoursThatLookTheSame()
 
 void tst_ImageCompare::savesBothPictures()
 {
-    const QImage actual = plain(4, 3, QColor(200, 100, 50, 255));
-    const QImage expected = plain(4, 3, Qt::green);
+    const QImage actual = solid({4, 3}, QColor(200, 100, 50, 255));
+    const QImage expected = solid({4, 3}, Qt::green);
     const QString difference = imageDifference(actual, expected);
     for (const auto &[role, image] :
          {qMakePair(QStringLiteral("actual"), actual), qMakePair(QStringLiteral("expected"), expected)}) {
@@ -106,6 +106,14 @@ void tst_ImageCompare::savesBothPictures()
         QVERIFY2(difference.contains(path), qPrintable(difference));
         QCOMPARE(imageDifference(QImage(path), image), QString());
     }
+}
+
+void tst_ImageCompare::blankIsTransparentBlackAlone()
+{
+    QImage map = solid({3, 2}, Qt::transparent);
+    QVERIFY(isBlank(map));
+    map.setPixel(2, 1, qRgba(0, 0, 0, 1));
+    QVERIFY(!isBlank(map));
 }
 
 QTEST_GUILESS_MAIN(tst_ImageCompare)

@@ -1,7 +1,7 @@
 #include "convertimage.h"
 
 #include "imagecompare.h"
-#include "pictures.h"
+#include "photographs.h"
 #include "tickcounter.h"
 
 #include <QColor>
@@ -20,7 +20,7 @@ const QColor untouched(1, 2, 3, 255);
 /// A map whose colours say where they stand.
 QImage locatedMap(int width, int height)
 {
-    return located(width, height, QImage::Format_ARGB32_Premultiplied);
+    return locatedPhotograph({width, height}, QImage::Format_ARGB32_Premultiplied);
 }
 
 QImage rotated(int axis, int angle, QImage map)

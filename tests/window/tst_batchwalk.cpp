@@ -37,12 +37,8 @@ void tst_BatchWalk::init()
     QVERIFY(QDir(m_window->folder()).mkdir("maps"));
     QVERIFY(QDir(m_window->folder()).mkdir("in"));
     for (int i = 0; i < 6; ++i) {
-        QImage photograph(80, 60, QImage::Format_RGB32);
-        for (int y = 0; y < 60; ++y) {
-            for (int x = 0; x < 80; ++x)
-                photograph.setPixel(x, y, qRgb((x * (i + 2)) % 256, y * 4, i * 40));
-        }
-        QVERIFY(photograph.save(m_window->filePath(QStringLiteral("in/photo%1.png").arg(i))));
+        QVERIFY(
+            seriesPhotograph({80, 60}, i).save(m_window->filePath(QStringLiteral("in/photo%1.png").arg(i))));
     }
     m_window->readShowString();
     m_window->outputSizeX = 128;

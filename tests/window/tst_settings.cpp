@@ -1,6 +1,7 @@
 #include "faults.h"
 #include "messagecollector.h"
 #include "modaldriver.h"
+#include "photographs.h"
 #include "settingsfolder.h"
 
 #include <QFile>
@@ -412,9 +413,7 @@ void tst_Settings::hugeFile()
 
 void tst_Settings::reloadedPhotographProposesItsName()
 {
-    QImage picture(40, 30, QImage::Format_RGB32);
-    picture.fill(Qt::blue);
-    QVERIFY(picture.save(path("地球.png")));
+    QVERIFY(solidPhotograph({40, 30}, Qt::blue).save(path("地球.png")));
     writeFile(
         m_window->settingFile,
         QString("[General]\nLoadFileName=%1\nSaveFileName=/else/where.jpg\n").arg(path("地球.png")).toUtf8());

@@ -297,9 +297,7 @@ void tst_Startup::passStopsItsTimer()
 void tst_Startup::passLoadsTheLastPhotograph()
 {
     const QString path = m_window->filePath("写真.png");
-    QImage picture(40, 30, QImage::Format_RGB32);
-    picture.fill(Qt::blue);
-    QVERIFY(picture.save(path));
+    QVERIFY(solidPhotograph({40, 30}, Qt::blue).save(path));
     m_window->readShowString();
     m_window->loadFileName = path;
     m_window->show();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "photographs.h"
 #include "previewwindow.h"
 #include "testwindow.h"
 
@@ -111,20 +112,7 @@ inline QImage shownMap(const TestWindow &window)
     return window.previewWindow->findChild<QLabel *>("label2")->pixmap(Qt::ReturnByValue).toImage();
 }
 
-/// A photograph in which every pixel has a colour of its own, up to 256 x 256 of them, so that no wrong sample
-/// goes unnoticed.
-inline QImage colourfulPhotograph(QSize size = {96, 72}, QImage::Format format = QImage::Format_RGB32)
-{
-    QImage photograph(size, QImage::Format_ARGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            photograph.setPixelColor(
-                x, y, QColor((x * 7 + y) % 256, (y * 5) % 256, (x + y * 3) % 256, 255 - x % 64));
-    }
-    return photograph.convertToFormat(format);
-}
-
-/// The photograph with a circle in the plainest way: a fresh ARGB32 copy, painted on, made a pixmap.
+/// The photograph with a circle without any cache: a fresh ARGB32 copy, painted on, made a pixmap.
 inline QImage uncachedPicture(const QImage &photograph, const std::optional<SelectionCircle> &circle,
                               const QColor &color = Qt::red, int penSize = 3,
                               Qt::PenStyle square = Qt::DotLine)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "photographs.h"
+
 #include <QApplication>
 #include <QImage>
 #include <QMouseEvent>
@@ -21,11 +23,7 @@ constexpr Qt::MouseButtons bothButtons = Qt::LeftButton | Qt::RightButton;
 /// A picture in which no two neighbours are alike.
 inline QPixmap pattern(int width, int height)
 {
-    QImage image(width, height, QImage::Format_RGB32);
-    for (int y = 0; y < height; ++y)
-        for (int x = 0; x < width; ++x)
-            image.setPixel(x, y, qRgb(x * 37 % 256, y * 59 % 256, (x + y) * 83 % 256));
-    return QPixmap::fromImage(image);
+    return QPixmap::fromImage(colourfulPhotograph({width, height}));
 }
 
 /// Everything that a picture widget reports, in order and as text: "size_changed 10 20 1".
