@@ -1,0 +1,68 @@
+#include "qimageview.h"
+
+#include <QtTest>
+
+class tst_QImageView : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void photographIsSeenWhereItLies();
+    void opaquePhotographsHaveNoAlphaBits();
+    void rowsLieAStrideApart();
+    void mapIsReadWhereItLies();
+    void canvasIsSharedWithNobody();
+};
+
+void tst_QImageView::photographIsSeenWhereItLies()
+{
+    const QImage photograph(7, 5, QImage::Format_ARGB32);
+    const QImage shared = photograph;
+    const projection::ConstImageView view = photographView(photograph);
+    QCOMPARE(reinterpret_cast<const uchar *>(view.pixels), shared.constBits());
+    QCOMPARE(QSize(view.width, view.height), QSize(7, 5));
+}
+
+void tst_QImageView::opaquePhotographsHaveNoAlphaBits()
+{
+    QCOMPARE(photographView(QImage(2, 2, QImage::Format_RGB32)).opaqueBits, 0xff000000U);
+    QCOMPARE(photographView(QImage(2, 2, QImage::Format_ARGB32)).opaqueBits, 0U);
+    QCOMPARE(mapView(QImage(2, 2, QImage::Format_ARGB32_Premultiplied)).opaqueBits, 0U);
+}
+
+void tst_QImageView::rowsLieAStrideApart()
+{
+    std::vector<QRgb> pixels(9 * 4);
+    QImage inside(reinterpret_cast<uchar *>(pixels.data()), 7, 4, 9 * 4, QImage::Format_ARGB32_Premultiplied);
+    inside.setPixel(6, 3, 0xff123456U);
+    QCOMPARE(photographView(inside).stride, std::ptrdiff_t(9));
+    const projection::ConstImageView map = mapView(inside);
+    QCOMPARE(map.pixels[3 * map.stride + 6], 0xff123456U);
+    const projection::ImageView canvas = canvasView(inside);
+    canvas.pixels[canvas.stride] = 0xff654321U;
+    QCOMPARE(inside.pixel(0, 1), 0xff654321U);
+}
+
+void tst_QImageView::mapIsReadWhereItLies()
+{
+    const QImage map(6, 3, QImage::Format_ARGB32_Premultiplied);
+    const QImage shared = map;
+    const projection::ConstImageView view = mapView(map);
+    QCOMPARE(reinterpret_cast<const uchar *>(view.pixels), shared.constBits());
+    QCOMPARE(QSize(view.width, view.height), QSize(6, 3));
+}
+
+void tst_QImageView::canvasIsSharedWithNobody()
+{
+    QImage canvas(6, 3, QImage::Format_ARGB32_Premultiplied);
+    canvas.fill(Qt::transparent);
+    const QImage shared = canvas;
+    const projection::ImageView view = canvasView(canvas);
+    QCOMPARE(QSize(view.width, view.height), QSize(6, 3));
+    view.pixels[2 * view.stride + 5] = 0xff00ff00U;
+    QCOMPARE(canvas.pixel(5, 2), 0xff00ff00U);
+    QCOMPARE(shared.pixel(5, 2), 0U);
+}
+
+QTEST_GUILESS_MAIN(tst_QImageView)
+#include "tst_qimageview.moc"
