@@ -2,10 +2,11 @@
 
 #include "convertimage.h"
 #include "mapconversion.h"
+#include "photographs.h"
 #include "referenceengine.h"
+#include "referencemap.h"
 
 #include <QImage>
-#include <QRandomGenerator>
 
 /// A photograph of 2048 x 2048 pixels and what is made of it: latitude 35, longitude 139.
 class BenchCase
@@ -21,15 +22,8 @@ public:
         : photograph(kind == Kind::Alpha ? noise() : numbers()), m_kind(kind)
     {
         const bool leaving = kind == Kind::Leaving;
-        parameters = {leaving ? 1400 : 1024,
-                      leaving ? 1200 : 1024,
-                      1003,
-                      distance,
-                      mapSize.width(),
-                      mapSize.height(),
-                      35,
-                      139,
-                      azimuth};
+        const QPoint center = leaving ? QPoint(1400, 1200) : QPoint(1024, 1024);
+        parameters = mapParameters({center, 1003, distance}, mapSize, {35, 139, azimuth});
         name = QString("%1 x %2, azimuth %3, distance %4%5")
                    .arg(mapSize.width())
                    .arg(mapSize.height())
@@ -50,12 +44,7 @@ public:
         const MapParameters &p = parameters;
         return {p.centerX, p.centerY, p.radius, p.distance, ratio().x, ratio().y};
     }
-    QImage referenceMap() const
-    {
-        const MapParameters &p = parameters;
-        return reference::convert(photograph, {p.centerX, p.centerY, p.radius, p.distance, p.outputSizeX,
-                                               p.outputSizeY, p.latitude, p.longitude, p.azimuth, true});
-    }
+    QImage expectedMap() const { return referenceMap(photograph, parameters); }
 
     QString name;
     QImage photograph;
@@ -64,21 +53,11 @@ public:
 private:
     static constexpr int side = 2048;
 
-    static QImage numbers()
-    {
-        QImage image(side, side, QImage::Format_RGB32);
-        for (int y = 0; y < side; ++y)
-            for (int x = 0; x < side; ++x)
-                reinterpret_cast<quint32 *>(image.scanLine(y))[x] = 0xff000000U | quint32(y * side + x);
-        return image;
-    }
+    static QImage numbers() { return numberedPhotograph({side, side}); }
     static QImage noise()
     {
-        QImage image(side, side, QImage::Format_ARGB32);
-        QRandomGenerator random(20); // any seed will do
-        for (int y = 0; y < side; ++y)
-            random.fillRange(reinterpret_cast<quint32 *>(image.scanLine(y)), side);
-        return image;
+        Rng rng(20); // any seed will do
+        return noisePhotograph(rng, {side, side}, Alpha::Random);
     }
 
     Kind m_kind;

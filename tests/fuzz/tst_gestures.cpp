@@ -2,6 +2,7 @@
 
 #include "messagecollector.h"
 #include "previewwindow.h"
+#include "windowreference.h"
 
 namespace
 {
@@ -137,9 +138,7 @@ QString tst_Gestures::brokenAtTheEnd(FreshWindow &w, bool knowsItsFile) const
     if ((!circle || drawsInInts(w)) &&
         w.shownPicture() != uncachedPicture(w.image, circle, w.penColor, w.penSize))
         return "the picture is not the uncached one";
-    const MapParameters parameters{w.centerX,     w.centerY,  w.radius,    w.distance, w.outputSizeX,
-                                   w.outputSizeY, w.latitude, w.longitude, w.azimuth};
-    const QImage expected = convertToMap(w.image, parameters);
+    const QImage expected = convertToMap(w.image, mapParametersOf(w));
     if (w.convertImage() != expected)
         return "the map is not the one of the photograph and the values";
     return {};

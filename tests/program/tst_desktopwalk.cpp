@@ -3,7 +3,7 @@
 #include "desktop.h"
 #include "imagecompare.h"
 #include "photographs.h"
-#include "referenceengine.h"
+#include "referencemap.h"
 #include "testwindow.h"
 
 #include <QBuffer>
@@ -171,8 +171,8 @@ void tst_DesktopWalk::fromPhotographToMap()
     m_desktop->click(layout["btnConvert"]);
     QVERIFY(m_desktop->waitForLine("Convert error"));
     QVERIFY(m_desktop->answer("画像変換", "Return"));
-    const QImage source = QImage(photograph).convertToFormat(QImage::Format_ARGB32);
-    const QImage expected = reference::convert(source, {200, 150, 147, 6.6, 256, 128, 35, 139, 0});
+    const MapParameters parameters = mapParameters({{200, 150}, 147, 6.6}, {256, 128}, {35, 139});
+    const QImage expected = referenceMap(QImage(photograph), parameters);
     COMPARE_IMAGES(QImage(map), expected);
 
     // The answer No is the default; the file stays as it is.

@@ -3,7 +3,7 @@
 #include "imagecompare.h"
 #include "photographs.h"
 #include "programfolder.h"
-#include "referenceengine.h"
+#include "referencemap.h"
 
 #include <QDir>
 #include <QFile>
@@ -39,8 +39,7 @@ const QByteArray smallMap =
 
 QImage smallReference(const QString &photograph)
 {
-    const QImage source = QImage(photograph).convertToFormat(QImage::Format_ARGB32);
-    return reference::convert(source, {25, 20, 18, 100.0, 64, 32, 0, 0, 0});
+    return referenceMap(QImage(photograph), mapParameters({{25, 20}, 18}, {64, 32}));
 }
 
 QStringList filesIn(const QString &folder)
@@ -85,8 +84,8 @@ void tst_Unattended::sampleSeriesAsANewcomerRunsIt()
     QVERIFY(result.finished);
     QCOMPARE(result.exitCode, 0);
     for (int i = 1; i <= 4; ++i) {
-        const QImage source = QImage(arguments.at(i)).convertToFormat(QImage::Format_ARGB32);
-        const QImage expected = reference::convert(source, {640, 480, 440, 6.6, 1024, 512, 0, 0, 0});
+        const MapParameters parameters = mapParameters({{640, 480}, 440, 6.6}, {1024, 512});
+        const QImage expected = referenceMap(QImage(arguments.at(i)), parameters);
         COMPARE_IMAGES(QImage(folder.filePath(QStringLiteral("maps/series-%1.png").arg(i))), expected);
     }
 }

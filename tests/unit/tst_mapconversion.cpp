@@ -4,7 +4,7 @@
 #include "imagecompare.h"
 #include "messagecollector.h"
 #include "photographs.h"
-#include "referenceengine.h"
+#include "referencemap.h"
 #include "rng.h"
 
 #include <QColor>
@@ -319,7 +319,7 @@ void tst_MapConversion::convertsSixteenBitChannels_data()
     QTest::newRow("grey") << QImage::Format_Grayscale16;
 }
 
-// Values between those of eight bits are rounded as in a conversion to 32 bits with alpha, on both ways through the
+// Values between those of eight bits are rounded as in a conversion to 32 bits with alpha, on both paths through the
 // chain.
 void tst_MapConversion::convertsSixteenBitChannels()
 {
@@ -424,10 +424,7 @@ void tst_MapConversion::bearsAnyValue()
     MapParameters p = projectionOnly();
     p.centerX = p.centerY = p.radius = integer;
     p.distance = p.latitude = p.longitude = p.azimuth = real;
-    const QImage expected =
-        reference::convert(photograph(), {p.centerX, p.centerY, p.radius, p.distance, p.outputSizeX,
-                                          p.outputSizeY, p.latitude, p.longitude, p.azimuth, true});
-    COMPARE_IMAGES(convert(p), expected);
+    COMPARE_IMAGES(convert(p), referenceMap(photograph(), p));
 }
 
 #ifdef Q_OS_LINUX

@@ -4,7 +4,7 @@
 #include "imagecompare.h"
 #include "messagecollector.h"
 #include "modaldriver.h"
-#include "referenceengine.h"
+#include "referencemap.h"
 #include "status.h"
 
 #include <QBuffer>
@@ -148,8 +148,7 @@ void tst_BatchRun::run(const QString &message)
 
 QImage tst_BatchRun::expectedMap(const QString &path) const
 {
-    const QImage source = QImage(path).convertToFormat(QImage::Format_ARGB32);
-    return reference::convert(source, {30, 20, 18, 6.6, 64, 32, 35, 139, 0});
+    return referenceMap(QImage(path), mapParameters({{30, 20}, 18, 6.6}, {64, 32}, {35, 139}));
 }
 
 void tst_BatchRun::everyMapEqualsTheReference()

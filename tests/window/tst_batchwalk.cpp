@@ -5,7 +5,7 @@
 #include "freshwindow.h"
 #include "imagecompare.h"
 #include "modaldriver.h"
-#include "referenceengine.h"
+#include "referencemap.h"
 #include "status.h"
 
 #include <QDir>
@@ -121,8 +121,8 @@ void tst_BatchWalk::pickStartStopRead()
     QVERIFY(m_window->isEnabled());
     QCOMPARE(QDir(m_window->filePath("maps")).entryList(QDir::Files).size(), 3);
     for (int i = 0; i < 3; ++i) {
-        const QImage source = QImage(inputs.at(i)).convertToFormat(QImage::Format_ARGB32);
-        COMPARE_IMAGES(QImage(map(i)), reference::convert(source, {40, 30, 28, 100.0, 128, 64, 0, 0, 0}));
+        const MapParameters parameters = mapParameters({{40, 30}, 28}, {128, 64});
+        COMPARE_IMAGES(QImage(map(i)), referenceMap(QImage(inputs.at(i)), parameters));
     }
 }
 

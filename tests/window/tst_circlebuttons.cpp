@@ -1,7 +1,7 @@
 #include "circlewindow.h"
 #include "imagecompare.h"
 #include "previewwindow.h"
-#include "referencemap.h"
+#include "windowreference.h"
 
 #include <climits>
 

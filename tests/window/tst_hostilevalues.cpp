@@ -4,7 +4,7 @@
 #include "messagecollector.h"
 #include "modaldriver.h"
 #include "previewwindow.h"
-#include "referencemap.h"
+#include "windowreference.h"
 
 #include <QFile>
 

@@ -3,7 +3,7 @@
 #include "messagecollector.h"
 #include "modaldriver.h"
 #include "previewwindow.h"
-#include "referencemap.h"
+#include "windowreference.h"
 
 #include <QFile>
 #include <QTimer>

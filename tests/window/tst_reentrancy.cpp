@@ -3,7 +3,7 @@
 #include "modaldriver.h"
 #include "option.h"
 #include "previewwindow.h"
-#include "referencemap.h"
+#include "windowreference.h"
 
 #include <QFile>
 #include <QFileDialog>

@@ -4,9 +4,9 @@
 #include "files.h"
 #include "freshwindow.h"
 #include "messagecollector.h"
-#include "referencemap.h"
 #include "rng.h"
 #include "settingsdump.h"
+#include "windowreference.h"
 
 #include <QFile>
 #include <QProcess>

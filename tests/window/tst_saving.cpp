@@ -2,8 +2,8 @@
 #include "imagecompare.h"
 #include "messagecollector.h"
 #include "previewwindow.h"
-#include "referencemap.h"
 #include "savingwindow.h"
+#include "windowreference.h"
 
 #include <QFile>
 #include <QFileDialog>

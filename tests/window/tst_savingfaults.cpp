@@ -1,8 +1,8 @@
 #include "faults.h"
 #include "files.h"
 #include "messagecollector.h"
-#include "referencemap.h"
 #include "savingwindow.h"
+#include "windowreference.h"
 
 #include <QFile>
 
