@@ -1,11 +1,11 @@
 #include "circlewindow.h"
+#include "duringconversion.h"
 #include "imagecompare.h"
 #include "modaldriver.h"
 #include "option.h"
 #include "previewwindow.h"
 #include "windowreference.h"
 
-#include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
 
@@ -14,24 +14,6 @@ Q_DECLARE_METATYPE(Disturbance)
 
 namespace
 {
-
-/// Does something from an event that the next conversion handles.
-class InTheMiddle
-{
-public:
-    InTheMiddle(QObject *context, const std::function<void()> &action)
-    {
-        QTimer::singleShot(0, context, [this, action] {
-            if (!converting)
-                return;
-            action();
-            done = true;
-        });
-    }
-
-    bool converting = false; ///< the conversion runs
-    bool done = false;       ///< the action was through before the conversion was
-};
 
 /// The deepest nesting of conversions, by their first and last debug lines.
 int deepestNesting(const QStringList &messages)
@@ -52,11 +34,21 @@ void answerBox(QMessageBox *box)
     QTest::mouseClick(box->button(QMessageBox::Ok), Qt::LeftButton);
 }
 
+void hostileValues(CircleWindow &window)
+{
+    window.outputSizeX = -5;
+    window.outputSizeY = 2147483647;
+    window.centerX = -2147483647;
+    window.radius = 2147483647;
+    window.distance = qQNaN();
+    window.latitude = window.longitude = window.azimuth = 33.0;
+}
+
 } // namespace
 
 /// Whatever happens inside an event that a conversion handles: its map is the one of the photograph and the
 /// values that it was started with.
-class tst_Reentrancy : public QObject
+class tst_DuringConversion : public QObject
 {
     Q_OBJECT
 
@@ -66,24 +58,27 @@ private slots:
 
     void mapIsTheOneOfTheStart_data();
     void mapIsTheOneOfTheStart();
+    void previewShowsTheMapOfTheStart_data();
+    void previewShowsTheMapOfTheStart();
+    void nextPreviewShowsTheNewPhotograph();
     void innerConversionHasItsOwnMap();
     void olderConversionShowsItsMapLast();
     void quickPressesNest();
-    void conversionsNestDeeply();
-    void savedMapIsTheOneOfTheStart();
-    void savingGoesToThePathOfTheStart();
-    void closingInTheMiddleOfASave();
+    void pressedButtonsAreCaughtUp();
+    void deepNestsKeepTheirPhotographs();
+    void deepNestsShowTheOldestMapLast();
     void closedPreviewGetsNoMap();
-    void photographChangesDuringADrag();
-    void photographVanishesDuringADrag();
+    void openedPreviewGetsTheMap();
 
 private:
     QImage convertWith(const std::function<void()> &disturbance);
+    void previewWith(const std::function<void()> &disturbance);
+    void clickPreview() { QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton); }
 
     std::unique_ptr<CircleWindow> m_window;
 };
 
-void tst_Reentrancy::init()
+void tst_DuringConversion::init()
 {
     m_window = std::make_unique<CircleWindow>();
     m_window->longitude = 25.0;
@@ -92,23 +87,27 @@ void tst_Reentrancy::init()
     m_window->ui->actionPreview_Window->trigger();
 }
 
-void tst_Reentrancy::cleanup()
+void tst_DuringConversion::cleanup()
 {
     m_window.reset();
 }
 
-QImage tst_Reentrancy::convertWith(const std::function<void()> &disturbance)
+QImage tst_DuringConversion::convertWith(const std::function<void()> &disturbance)
 {
-    InTheMiddle middle(m_window.get(), disturbance);
-    middle.converting = true;
-    const QImage map = m_window->convertImage();
-    middle.converting = false;
-    if (!middle.done)
-        QTest::qFail("nothing happened in the middle", __FILE__, __LINE__);
+    QImage map;
+    if (!duringConversion(
+            m_window.get(), [&] { map = m_window->convertImage(); }, disturbance))
+        QTest::qFail("nothing happened during the conversion", __FILE__, __LINE__);
     return map;
 }
 
-void tst_Reentrancy::mapIsTheOneOfTheStart_data()
+void tst_DuringConversion::previewWith(const std::function<void()> &disturbance)
+{
+    QVERIFY(duringConversion(
+        m_window.get(), [&] { clickPreview(); }, disturbance));
+}
+
+void tst_DuringConversion::mapIsTheOneOfTheStart_data()
 {
     QTest::addColumn<Disturbance>("disturbance");
     const auto row = [](const char *name, const Disturbance &disturbance) {
@@ -186,6 +185,7 @@ void tst_Reentrancy::mapIsTheOneOfTheStart_data()
         w.close();
         w.show();
     });
+    row("values of every kind", hostileValues);
     row("batch run", [](CircleWindow &w) {
         w.fileList = QStringList{w.filePath("photo.png"), w.filePath("missing.png"), w.filePath("photo.png")};
         w.outputFolder = w.filePath("");
@@ -197,7 +197,7 @@ void tst_Reentrancy::mapIsTheOneOfTheStart_data()
     });
 }
 
-void tst_Reentrancy::mapIsTheOneOfTheStart()
+void tst_DuringConversion::mapIsTheOneOfTheStart()
 {
     QFETCH(Disturbance, disturbance);
     const QImage expected = referenceMap(*m_window);
@@ -211,7 +211,39 @@ void tst_Reentrancy::mapIsTheOneOfTheStart()
     COMPARE_IMAGES(m_window->convertImage(), referenceMap(*m_window));
 }
 
-void tst_Reentrancy::innerConversionHasItsOwnMap()
+void tst_DuringConversion::previewShowsTheMapOfTheStart_data()
+{
+    QTest::addColumn<Disturbance>("disturbance");
+    QTest::newRow("another photograph") << Disturbance([](CircleWindow &w) {
+        w.open(colourfulPhotograph({3, 2}), "tiny.png");
+    });
+    QTest::newRow("a photograph that cannot be loaded") << Disturbance([](CircleWindow &w) {
+        ModalDriver driver;
+        driver.expectMessage({"開く", w.filePath("none.png") + " は開けませんでした", QMessageBox::Warning});
+        w.loadFileName = w.filePath("none.png");
+        w.loadImage();
+        QVERIFY(driver.done());
+        QVERIFY(w.image.isNull());
+    });
+    QTest::newRow("values of every kind") << Disturbance(hostileValues);
+}
+
+void tst_DuringConversion::previewShowsTheMapOfTheStart()
+{
+    QFETCH(Disturbance, disturbance);
+    const QImage expected = referenceMap(*m_window);
+    previewWith([&] { disturbance(*m_window); });
+    COMPARE_IMAGES(shownMap(*m_window), expected);
+}
+
+void tst_DuringConversion::nextPreviewShowsTheNewPhotograph()
+{
+    previewWith([this] { m_window->open(colourfulPhotograph({3, 2}), "tiny.png"); });
+    clickPreview();
+    COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
+}
+
+void tst_DuringConversion::innerConversionHasItsOwnMap()
 {
     const QImage outer = referenceMap(*m_window);
     const QImage map = convertWith([&] {
@@ -226,25 +258,34 @@ void tst_Reentrancy::innerConversionHasItsOwnMap()
     COMPARE_IMAGES(map, outer);
 }
 
-void tst_Reentrancy::olderConversionShowsItsMapLast()
+// The newer conversion ends first; the older one hands over its map last.
+void tst_DuringConversion::olderConversionShowsItsMapLast()
 {
-    const QImage outer = referenceMap(*m_window);
-    convertWith([&] {
+    const QImage older = referenceMap(*m_window);
+    QImage newer;
+    QImage newerShown;
+    const MessageCollector collector;
+    previewWith([&] {
         m_window->setCircle({100, 150, 60});
-        m_window->ui->btnPreview->click();
-        QVERIFY(shownMap(*m_window) != outer);
+        m_window->latitude = 45.0;
+        newer = referenceMap(*m_window);
+        clickPreview();
+        newerShown = shownMap(*m_window);
     });
-    COMPARE_IMAGES(shownMap(*m_window), outer);
+    QCOMPARE(collector.messages().count("convertImage"), 2);
+    QVERIFY(newer != older);
+    COMPARE_IMAGES(newerShown, newer);
+    COMPARE_IMAGES(shownMap(*m_window), older);
 }
 
 // Every press gives the timer a new id, so its tick comes although the last one has not returned.
-void tst_Reentrancy::quickPressesNest()
+void tst_DuringConversion::quickPressesNest()
 {
     const QImage first = referenceMap(*m_window);
     const MessageCollector collector;
     int presses = 0;
-    QTimer hand; // comes after the tick that it has caused, in the middle of that tick's conversion
-    hand.setSingleShot(true);
+    QTimer next; // comes after the tick that it has caused, in the middle of that tick's conversion
+    next.setSingleShot(true);
     const auto press = [&] {
         m_window->clickTimer->stop();
         if (presses == 5)
@@ -253,9 +294,9 @@ void tst_Reentrancy::quickPressesNest()
         emit m_window->ui->btnRight->pressed();
         m_window->stepDelay = 0;
         m_window->clickTimer->start(0);
-        hand.start(0);
+        next.start(0);
     };
-    connect(&hand, &QTimer::timeout, this, press);
+    connect(&next, &QTimer::timeout, this, press);
     const QImage map = convertWith(press);
     QCOMPARE(presses, 5);
     QCOMPARE(deepestNesting(collector.messages()), 6);
@@ -265,7 +306,19 @@ void tst_Reentrancy::quickPressesNest()
     COMPARE_IMAGES(shownMap(*m_window), first);
 }
 
-void tst_Reentrancy::conversionsNestDeeply()
+void tst_DuringConversion::pressedButtonsAreCaughtUp()
+{
+    const auto convert = [this] { QTest::keyClick(m_window->ui->lineRadius, Qt::Key_Return); };
+    QVERIFY(duringConversion(m_window.get(), convert, [this] {
+        for (int i = 0; i < 5; ++i)
+            QTest::mouseClick(m_window->ui->btnUp, Qt::LeftButton);
+    }));
+    QTRY_VERIFY(!m_window->clickTimer->isActive());
+    QCOMPARE(m_window->centerY, 195);
+    COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
+}
+
+void tst_DuringConversion::deepNestsKeepTheirPhotographs()
 {
     const QImage first = referenceMap(*m_window);
     int depth = 0;
@@ -281,105 +334,56 @@ void tst_Reentrancy::conversionsNestDeeply()
     QCOMPARE(depth, 60);
 }
 
-void tst_Reentrancy::savedMapIsTheOneOfTheStart()
+void tst_DuringConversion::deepNestsShowTheOldestMapLast()
 {
-    m_window->format = 1;
-    m_window->ui->lineSaveFilename->setText("map.png");
-    const QImage expected = referenceMap(*m_window);
-    ModalDriver driver;
-    driver.expectMessage(
-        {m_window->ui->btnConvert->text(), m_window->filePath("map.png") + " へ保存されました"});
-    InTheMiddle middle(m_window.get(), [&] { m_window->open(colourfulPhotograph({64, 48})); });
-    middle.converting = true;
-    m_window->ui->btnConvert->click();
-    QVERIFY(driver.done());
-    QVERIFY(middle.done);
-    COMPARE_IMAGES(QImage(m_window->filePath("map.png")), expected);
+    constexpr int deepest = 30;
+    m_window->azimuth = 0.0;
+    const QImage oldest = referenceMap(*m_window);
+    const MessageCollector collector;
+    int depth = 0;
+    const std::function<void()> nest = [&] {
+        ++depth;
+        m_window->azimuth += 10.0;
+        if (depth < deepest)
+            previewWith(nest);
+        else
+            clickPreview();
+    };
+    previewWith(nest);
+    QCOMPARE(depth, deepest);
+    QCOMPARE(collector.messages().count("convertImage"), deepest + 1);
+    COMPARE_IMAGES(shownMap(*m_window), oldest);
 }
 
-void tst_Reentrancy::savingGoesToThePathOfTheStart()
-{
-    m_window->ui->lineSaveFilename->setText("first.jpg");
-    ModalDriver driver;
-    driver.expectMessage(
-        {m_window->ui->btnConvert->text(), m_window->filePath("first.jpg") + " へ保存されました"});
-    InTheMiddle middle(m_window.get(), [&] {
-        m_window->ui->lineSaveFilename->setText("second.jpg");
-        m_window->saveFileName = m_window->filePath("second.jpg");
-    });
-    middle.converting = true;
-    m_window->ui->btnConvert->click();
-    QVERIFY(driver.done());
-    QVERIFY(middle.done);
-    QVERIFY(QFile::exists(m_window->filePath("first.jpg")));
-    QVERIFY(!QFile::exists(m_window->filePath("second.jpg")));
-}
-
-void tst_Reentrancy::closingInTheMiddleOfASave()
-{
-    m_window->format = 1;
-    m_window->ui->lineSaveFilename->setText("map.png");
-    const QImage expected = referenceMap(*m_window);
-    ModalDriver driver;
-    driver.expect<QMessageBox>(answerBox);
-    InTheMiddle middle(m_window.get(), [&] {
-        m_window->close();
-        m_window->previewWindow->close();
-    });
-    middle.converting = true;
-    m_window->ui->btnConvert->click();
-    QVERIFY(driver.done());
-    QVERIFY(middle.done);
-    QVERIFY(QFile::exists(m_window->settingFile));
-    COMPARE_IMAGES(QImage(m_window->filePath("map.png")), expected);
-}
-
-void tst_Reentrancy::closedPreviewGetsNoMap()
+// Whoever is hidden at the end gets nothing.
+void tst_DuringConversion::closedPreviewGetsNoMap()
 {
     const QImage before = shownMap(*m_window);
     m_window->longitude = 90;
     const QImage map = convertWith([&] { m_window->previewWindow->close(); });
     QVERIFY(map != before);
-    COMPARE_IMAGES(shownMap(*m_window), before);
+    QVERIFY(!m_window->previewWindow->isVisible());
     QVERIFY(!m_window->ui->actionPreview_Window->isChecked());
+    COMPARE_IMAGES(shownMap(*m_window), before);
+
+    m_window->ui->actionPreview_Window->trigger();
+    const QImage again = shownMap(*m_window);
+    m_window->azimuth = 90.0;
+    previewWith([&] { m_window->previewWindow->close(); });
+    QVERIFY(!m_window->previewWindow->isVisible());
+    QVERIFY(!m_window->ui->actionPreview_Window->isChecked());
+    COMPARE_IMAGES(shownMap(*m_window), again);
 }
 
-void tst_Reentrancy::photographChangesDuringADrag()
+void tst_DuringConversion::openedPreviewGetsTheMap()
 {
-    m_window->press({200, 200});
-    m_window->moveTo({220, 220});
-    m_window->open(colourfulPhotograph({150, 90}));
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(CircleWindow::firstCircle));
-    m_window->moveTo({230, 240});
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{230, 240, 100}));
-    m_window->release({210, 205});
-    QCOMPARE(circleOf(*m_window), SelectionCircle({210, 205, 100}));
+    m_window->previewWindow->close();
+    m_window->longitude = 90;
+    const QImage expected = referenceMap(*m_window);
+    QVERIFY(shownMap(*m_window) != expected);
+    COMPARE_IMAGES(convertWith([&] { m_window->previewWindow->show(); }), expected);
+    COMPARE_IMAGES(shownMap(*m_window), expected);
 }
 
-void tst_Reentrancy::photographVanishesDuringADrag()
-{
-    m_window->press({200, 200});
-    m_window->moveTo({220, 220});
-    ModalDriver driver;
-    driver.expect<QMessageBox>(answerBox);
-    m_window->loadFileName = m_window->filePath("missing.png");
-    m_window->loadImage();
-    QVERIFY(driver.done());
-    m_window->moveTo({230, 240});
-    m_window->release({230, 240});
-    QVERIFY(m_window->ui->label->leftDown); // the flags wait for the next release
-    QVERIFY(m_window->moving);
-    QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle);
-    QVERIFY(m_window->shownPicture().isNull());
-
-    m_window->open(colourfulPhotograph({420, 410}));
-    m_window->moveTo({210, 205}); // the drag goes on without a button
-    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(SelectionCircle{210, 205, 100}));
-    m_window->click({200, 200});
-    QVERIFY(!m_window->ui->label->leftDown);
-    QVERIFY(!m_window->moving);
-    QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle);
-}
-
-WINDOW_TEST_MAIN(tst_Reentrancy)
-#include "tst_reentrancy.moc"
+WINDOW_TEST_MAIN(tst_DuringConversion)
+#include "tst_duringconversion.moc"
