@@ -1,4 +1,4 @@
-#include "randomhand.h"
+#include "randomgestures.h"
 
 #include "messagecollector.h"
 #include "previewwindow.h"
@@ -7,7 +7,7 @@
 namespace
 {
 
-constexpr int eventsPerSequence = 50;
+constexpr int actionsPerSequence = 50;
 
 unsigned numberFromEnvironment(const char *name, unsigned otherwise)
 {
@@ -32,8 +32,8 @@ class tst_Gestures : public QObject
     Q_OBJECT
 
 private slots:
-    void sequence_data();
-    void sequence();
+    void rulesHoldAfterEveryAction_data();
+    void rulesHoldAfterEveryAction();
 
 private:
     QString broken(const FreshWindow &window) const;
@@ -42,7 +42,7 @@ private:
     bool m_removalArmed = false;
 };
 
-void tst_Gestures::sequence_data()
+void tst_Gestures::rulesHoldAfterEveryAction_data()
 {
     QTest::addColumn<unsigned>("seed");
     const unsigned first = numberFromEnvironment("OVMIC_GESTURE_SEED", 20110311);
@@ -51,18 +51,18 @@ void tst_Gestures::sequence_data()
         QTest::addRow("seed %u", first + i) << first + i;
 }
 
-void tst_Gestures::sequence()
+void tst_Gestures::rulesHoldAfterEveryAction()
 {
     QFETCH(unsigned, seed);
     const MessageCollector collector;
     QStringList done;
-    const auto story = [&](int event, const QString &what) {
-        return QString("seed %1, event %2: %3; after: %4").arg(seed).arg(event).arg(what, done.join(", "));
+    const auto story = [&](int action, const QString &what) {
+        return QString("seed %1, action %2: %3; after: %4").arg(seed).arg(action).arg(what, done.join(", "));
     };
 
     const GestureFiles files;
     FreshWindow window;
-    window.clickTimer->blockSignals(true); // ticks come by hand, so that a seed always means the same
+    window.clickTimer->blockSignals(true); // ticks come as actions, so that a seed always means the same
     window.outputFolder = window.filePath("");
     window.inputFolder = files.filePath("");
     window.saveFileName = window.filePath("map.jpg");
@@ -72,26 +72,26 @@ void tst_Gestures::sequence()
         window.loadFileName = files.photographs().at(static_cast<int>(seed) % files.photographs().size());
         window.loadImage();
     }
-    RandomHand hand(window, files, seed);
+    RandomGestures gestures(window, files, seed);
     RandomAnswers answers(files, seed);
-    for (int event = 0; event < eventsPerSequence; ++event) {
-        done.append(hand.act());
+    for (int action = 0; action < actionsPerSequence; ++action) {
+        done.append(gestures.performOne());
         const QString what = broken(window);
         m_removalArmed = window.clearPending;
-        QVERIFY2(what.isEmpty(), qPrintable(story(event, what)));
+        QVERIFY2(what.isEmpty(), qPrintable(story(action, what)));
     }
-    const QString what = brokenAtTheEnd(window, hand.leftTheFileAlone());
-    QVERIFY2(what.isEmpty(), qPrintable(story(eventsPerSequence, what)));
+    const QString what = brokenAtTheEnd(window, gestures.leftTheFileAlone());
+    QVERIFY2(what.isEmpty(), qPrintable(story(actionsPerSequence, what)));
 
     while (QGuiApplication::overrideCursor())
         QGuiApplication::restoreOverrideCursor();
     // The toolkit complains about a misuse with the name of the class. The quality is passed on as it is.
     QStringList warnings = collector.messages().filter(QRegularExpression("^Q[A-Z]"));
     warnings.removeAll("QPixmap::save: Quality out of range [-1, 100]");
-    QVERIFY2(warnings.isEmpty(), qPrintable(story(eventsPerSequence, warnings.join("; "))));
+    QVERIFY2(warnings.isEmpty(), qPrintable(story(actionsPerSequence, warnings.join("; "))));
 }
 
-// What holds after every gesture.
+// What holds after every action.
 QString tst_Gestures::broken(const FreshWindow &w) const
 {
     const QPixmap shown = w.ui->label->pixmap(Qt::ReturnByValue);

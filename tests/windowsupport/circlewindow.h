@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <functional>
 
-/// A window with a photograph and a circle on it, and hands that hold a mouse over the picture.
+/// A window with a photograph and a circle on it, and a mouse over the picture.
 class CircleWindow : public FreshWindow
 {
 public:

@@ -1,4 +1,4 @@
-#include "randomhand.h"
+#include "randomgestures.h"
 #include "files.h"
 
 #include "previewwindow.h"
@@ -120,55 +120,55 @@ void RandomAnswers::answer(QWidget *window)
     }
 }
 
-RandomHand::RandomHand(FreshWindow &window, const GestureFiles &files, unsigned seed)
+RandomGestures::RandomGestures(FreshWindow &window, const GestureFiles &files, unsigned seed)
     : m_window(window)
     , m_files(files)
     , m_rng(seed)
-    , m_gestures{
-          {"press", 120, &RandomHand::mousePress},
-          {"move", 180, &RandomHand::mouseMove},
-          {"release", 120, &RandomHand::mouseRelease},
-          {"drag", 120, &RandomHand::wholeDrag},
-          {"mouse over the preview", 20, &RandomHand::previewMouse},
-          {"signal of the picture", 40, &RandomHand::pictureSignal},
-          {"type", 80, &RandomHand::type},
-          {"press a button", 40, &RandomHand::pressButton},
-          {"release a button", 40, &RandomHand::releaseButton},
-          {"click a button", 40, &RandomHand::clickButton},
-          {"tick", 80, &RandomHand::tick},
-          {"open a photograph", 60, &RandomHand::openPhotograph},
-          {"open something else", 6, &RandomHand::openNoPhotograph},
-          {"drop", 12, &RandomHand::drop},
-          {"toggle a view", 40, &RandomHand::toggleView},
-          {"reset", 20, &RandomHand::reset},
-          {"modal action", 4, &RandomHand::modalAction},
-          {"batch", 3, &RandomHand::batch},
-          {"windows", 30, &RandomHand::windows},
-          {"values", 40, &RandomHand::values},
-          {"convert", 40, &RandomHand::convert},
-          {"something later", 60, &RandomHand::eventsLater},
-          {"handle events", 40, &RandomHand::handleEvents},
+    , m_actions{
+          {"press", 120, &RandomGestures::mousePress},
+          {"move", 180, &RandomGestures::mouseMove},
+          {"release", 120, &RandomGestures::mouseRelease},
+          {"drag", 120, &RandomGestures::wholeDrag},
+          {"mouse over the preview", 20, &RandomGestures::previewMouse},
+          {"signal of the picture", 40, &RandomGestures::pictureSignal},
+          {"type", 80, &RandomGestures::type},
+          {"press a button", 40, &RandomGestures::pressButton},
+          {"release a button", 40, &RandomGestures::releaseButton},
+          {"click a button", 40, &RandomGestures::clickButton},
+          {"tick", 80, &RandomGestures::tick},
+          {"open a photograph", 60, &RandomGestures::openPhotograph},
+          {"open something else", 6, &RandomGestures::openNoPhotograph},
+          {"drop", 12, &RandomGestures::drop},
+          {"toggle a view", 40, &RandomGestures::toggleView},
+          {"reset", 20, &RandomGestures::reset},
+          {"modal action", 4, &RandomGestures::modalAction},
+          {"batch", 3, &RandomGestures::batch},
+          {"windows", 30, &RandomGestures::windows},
+          {"values", 40, &RandomGestures::values},
+          {"convert", 40, &RandomGestures::convert},
+          {"something later", 60, &RandomGestures::eventsLater},
+          {"handle events", 40, &RandomGestures::handleEvents},
       }
 {
 }
 
-QString RandomHand::act()
+QString RandomGestures::performOne()
 {
     int sum = 0;
-    for (const Gesture &gesture : m_gestures)
-        sum += gesture.weight;
+    for (const Action &action : m_actions)
+        sum += action.weight;
     int pick = upTo(sum - 1);
-    for (const Gesture &gesture : m_gestures) {
-        if (pick < gesture.weight) {
-            (this->*gesture.act)();
-            return gesture.name;
+    for (const Action &action : m_actions) {
+        if (pick < action.weight) {
+            (this->*action.perform)();
+            return action.name;
         }
-        pick -= gesture.weight;
+        pick -= action.weight;
     }
     return {};
 }
 
-int RandomHand::anyNumber()
+int RandomGestures::anyNumber()
 {
     switch (upTo(9)) {
     case 0:
@@ -184,7 +184,7 @@ int RandomHand::anyNumber()
 }
 
 // Mostly on the circle's handles and in the picture.
-QPoint RandomHand::anyPosition()
+QPoint RandomGestures::anyPosition()
 {
     const int choice = upTo(9);
     if (choice == 0)
@@ -205,47 +205,47 @@ QPoint RandomHand::anyPosition()
     return {upTo(qMax(label->width(), 1)), upTo(qMax(label->height(), 1))};
 }
 
-Qt::MouseButtons RandomHand::anyButtons()
+Qt::MouseButtons RandomGestures::anyButtons()
 {
     return oneOf(std::vector<Qt::MouseButtons>{Qt::NoButton, Qt::LeftButton, Qt::LeftButton, Qt::RightButton,
                                                Qt::LeftButton | Qt::RightButton, Qt::MiddleButton});
 }
 
-QPushButton *RandomHand::stepButton()
+QPushButton *RandomGestures::stepButton()
 {
     const auto &ui = *m_window.ui;
     return oneOf(std::vector<QPushButton *>{ui.btnUp, ui.btnDown, ui.btnLeft, ui.btnRight, ui.btnSizeUp,
                                             ui.btnSizeDown});
 }
 
-void RandomHand::sendMouse(QEvent::Type type, QWidget *widget, QPoint position, Qt::MouseButton button,
-                           Qt::MouseButtons held)
+void RandomGestures::sendMouse(QEvent::Type type, QWidget *widget, QPoint position, Qt::MouseButton button,
+                               Qt::MouseButtons held)
 {
     QMouseEvent event(type, position, position, button, held, Qt::NoModifier);
     QApplication::sendEvent(widget, &event);
 }
 
-void RandomHand::mousePress()
+void RandomGestures::mousePress()
 {
     const Qt::MouseButton button = oneIn(3) ? Qt::RightButton : Qt::LeftButton;
     const Qt::MouseButtons others = anyButtons();
     sendMouse(QEvent::MouseButtonPress, m_window.ui->label, anyPosition(), button, others | button);
 }
 
-void RandomHand::mouseMove()
+void RandomGestures::mouseMove()
 {
     const Qt::MouseButtons held = anyButtons();
     sendMouse(QEvent::MouseMove, m_window.ui->label, anyPosition(), Qt::NoButton, held);
 }
 
-void RandomHand::mouseRelease()
+void RandomGestures::mouseRelease()
 {
     const Qt::MouseButton button = oneIn(3) ? Qt::RightButton : Qt::LeftButton;
     const Qt::MouseButtons held = oneIn(4) ? anyButtons() : Qt::MouseButtons();
     sendMouse(QEvent::MouseButtonRelease, m_window.ui->label, anyPosition(), button, held);
 }
 
-void RandomHand::wholeDrag()
+void RandomGestures::wholeDrag()
 {
     const Qt::MouseButton button = oneIn(4) ? Qt::RightButton : Qt::LeftButton;
     QWidget *label = m_window.ui->label;
@@ -255,7 +255,7 @@ void RandomHand::wholeDrag()
     sendMouse(QEvent::MouseButtonRelease, label, anyPosition(), button, Qt::NoButton);
 }
 
-void RandomHand::previewMouse()
+void RandomGestures::previewMouse()
 {
     auto *label = m_window.previewWindow->findChild<QLabel *>("label2");
     const auto type = oneOf(
@@ -264,7 +264,7 @@ void RandomHand::previewMouse()
     sendMouse(type, label, anyPosition(), Qt::LeftButton, held);
 }
 
-void RandomHand::pictureSignal()
+void RandomGestures::pictureSignal()
 {
     MyImage *label = m_window.ui->label;
     const int x = anyNumber();
@@ -296,7 +296,7 @@ void RandomHand::pictureSignal()
     }
 }
 
-void RandomHand::type()
+void RandomGestures::type()
 {
     const auto &ui = *m_window.ui;
     QLineEdit *edit = oneOf(std::vector<QLineEdit *>{ui.lineCenterX, ui.lineCenterY, ui.lineRadius});
@@ -308,43 +308,43 @@ void RandomHand::type()
         QTest::keyClick(edit, Qt::Key_Return);
 }
 
-void RandomHand::pressButton()
+void RandomGestures::pressButton()
 {
     QPushButton *button = stepButton();
     sendMouse(QEvent::MouseButtonPress, button, button->rect().center(), Qt::LeftButton, Qt::LeftButton);
 }
 
-void RandomHand::releaseButton()
+void RandomGestures::releaseButton()
 {
     QPushButton *button = stepButton();
     const QPoint position = oneIn(2) ? button->rect().center() : QPoint(-50, 300);
     sendMouse(QEvent::MouseButtonRelease, button, position, Qt::LeftButton, Qt::NoButton);
 }
 
-void RandomHand::clickButton()
+void RandomGestures::clickButton()
 {
     stepButton()->click();
 }
 
-void RandomHand::tick()
+void RandomGestures::tick()
 {
     for (int ticks = oneIn(3) ? 12 : 1; ticks > 0; --ticks)
         m_window.slot("click_timer");
 }
 
-void RandomHand::openPhotograph()
+void RandomGestures::openPhotograph()
 {
     m_window.loadFileName = oneOf(m_files.photographs());
     m_window.loadImage();
 }
 
-void RandomHand::openNoPhotograph()
+void RandomGestures::openNoPhotograph()
 {
     m_window.loadFileName = oneOf(m_files.noPhotographs());
     m_window.loadImage();
 }
 
-void RandomHand::drop()
+void RandomGestures::drop()
 {
     QMimeData dropped;
     QList<QUrl> urls;
@@ -361,19 +361,19 @@ void RandomHand::drop()
     m_window.dropEvent(&event);
 }
 
-void RandomHand::toggleView()
+void RandomGestures::toggleView()
 {
     const auto &ui = *m_window.ui;
     oneOf(std::vector<QAction *>{ui.actionAuto_Size, ui.actionAuto_Preview, ui.actionPreview_Window})
         ->trigger();
 }
 
-void RandomHand::reset()
+void RandomGestures::reset()
 {
     m_window.ui->actionParam_Reset->trigger();
 }
 
-void RandomHand::modalAction()
+void RandomGestures::modalAction()
 {
     m_leftTheFileAlone = false;
     const auto &ui = *m_window.ui;
@@ -401,7 +401,7 @@ void RandomHand::modalAction()
     m_window.outputSizeY = qMin(m_window.outputSizeY, 32);
 }
 
-void RandomHand::batch()
+void RandomGestures::batch()
 {
     m_leftTheFileAlone = false;
     m_window.fileList = QStringList{oneOf(m_files.photographs()), oneOf(m_files.noPhotographs()),
@@ -415,7 +415,7 @@ void RandomHand::batch()
         m_window.ui->actionBatch_Convert->trigger();
 }
 
-void RandomHand::windows()
+void RandomGestures::windows()
 {
     switch (upTo(6)) {
     case 0:
@@ -443,7 +443,7 @@ void RandomHand::windows()
 }
 
 // What a settings file may hold.
-void RandomHand::values()
+void RandomGestures::values()
 {
     const std::vector<double> doubles{0.0,
                                       1.0,
@@ -500,7 +500,7 @@ void RandomHand::values()
     }
 }
 
-void RandomHand::convert()
+void RandomGestures::convert()
 {
     if (oneIn(2))
         m_window.ui->btnPreview->click();
@@ -508,8 +508,8 @@ void RandomHand::convert()
         m_window.convertImage();
 }
 
-// Gestures in the middle of whatever handles events next, a conversion for example.
-void RandomHand::eventsLater()
+// An action in the middle of whatever handles events next, a conversion for example.
+void RandomGestures::eventsLater()
 {
     if (m_later > 3)
         return;
@@ -519,14 +519,14 @@ void RandomHand::eventsLater()
         if (m_nested > 8)
             return;
         ++m_nested;
-        act();
+        performOne();
         --m_nested;
     });
     if (oneIn(2))
         convert();
 }
 
-void RandomHand::handleEvents()
+void RandomGestures::handleEvents()
 {
     QCoreApplication::processEvents();
 }

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-/// Small photographs and files that are none. Gestures may overwrite them, so every sequence has its own.
+/// Small photographs and files that are none. Actions may overwrite them, so every sequence has its own.
 class GestureFiles
 {
 public:
@@ -47,34 +47,34 @@ private:
 };
 
 /// Does something to a window, at random but the same for the same seed.
-class RandomHand : public QObject
+class RandomGestures : public QObject
 {
     Q_OBJECT
 
 public:
-    RandomHand(FreshWindow &window, const GestureFiles &files, unsigned seed);
+    RandomGestures(FreshWindow &window, const GestureFiles &files, unsigned seed);
 
     /// @return what was done
-    QString act();
+    QString performOne();
 
     /// Whether the photograph must still be the one in its file: no batch run, and no dialog in which a random
     /// answer may have saved something over it.
     bool leftTheFileAlone() const { return m_leftTheFileAlone; }
 
 private:
-    struct Gesture {
+    struct Action {
         const char *name;
         int weight;
-        void (RandomHand::*act)();
+        void (RandomGestures::*perform)();
     };
 
-    bool oneIn(int n) { return upTo(n - 1) == 0; }
+    bool oneIn(int n) { return m_rng.oneIn(n); }
     int upTo(int last) { return between(0, last); }
     int between(int first, int last) { return m_rng.between(first, last); }
     template <typename List>
     typename List::value_type oneOf(const List &list)
     {
-        return list[static_cast<typename List::size_type>(upTo(static_cast<int>(list.size()) - 1))];
+        return m_rng.of(list);
     }
     int anyNumber();
     QPoint anyPosition();
@@ -110,8 +110,8 @@ private:
     FreshWindow &m_window;
     const GestureFiles &m_files;
     Rng m_rng;
-    std::vector<Gesture> m_gestures;
-    int m_later = 0; // gestures that wait for the event loop
+    std::vector<Action> m_actions;
+    int m_later = 0; // actions that wait for the event loop
     int m_nested = 0;
     bool m_leftTheFileAlone = true;
 };
