@@ -80,10 +80,10 @@ private slots:
     void init();
     void cleanup();
     void fromPhotographToMap();
-    void markingTheDisc();
+    void markedDiscComesBack();
     void heldButtonsRepeat();
-    void parameterFiles();
-    void optionsAndPreview();
+    void savedCircleIsLoadedAgain();
+    void previewFollowsOptionsAndCircle();
 
 private:
     void openOwnPhotograph();
@@ -199,7 +199,7 @@ void tst_DesktopWalk::fromPhotographToMap()
 
 // Draw a circle by mouse, move it by its line, resize it at a corner, remove it and draw it anew, then close and
 // start again: the circle comes back.
-void tst_DesktopWalk::markingTheDisc()
+void tst_DesktopWalk::markedDiscComesBack()
 {
     openOwnPhotograph();
     if (QTest::currentTestFailed())
@@ -262,7 +262,7 @@ void tst_DesktopWalk::heldButtonsRepeat()
 }
 
 // Type a radius without Return, save the circle, reset it, and load it again.
-void tst_DesktopWalk::parameterFiles()
+void tst_DesktopWalk::savedCircleIsLoadedAgain()
 {
     openOwnPhotograph();
     if (QTest::currentTestFailed())
@@ -294,7 +294,7 @@ void tst_DesktopWalk::parameterFiles()
 }
 
 // Change the distance in the options, open the preview, and see it follow an edit of the circle.
-void tst_DesktopWalk::optionsAndPreview()
+void tst_DesktopWalk::previewFollowsOptionsAndCircle()
 {
     openOwnPhotograph();
     if (QTest::currentTestFailed())

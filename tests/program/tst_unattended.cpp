@@ -60,7 +60,7 @@ private slots:
     void namesOfToolkitOptionsArePhotographs();
     void needsNoDisplay();
     void settingsFileIsNamedUpToTheFirstDot();
-    void throughALink();
+    void settingsLieBesideTheLink();
     void fewerThanTwoPathsIsAUsageError_data();
     void fewerThanTwoPathsIsAUsageError();
     void theSwitchIsCaseSensitive();
@@ -170,7 +170,7 @@ void tst_Unattended::settingsFileIsNamedUpToTheFirstDot()
 }
 
 // Started through a link, the settings lie beside the link.
-void tst_Unattended::throughALink()
+void tst_Unattended::settingsLieBesideTheLink()
 {
     const ProgramFolder folder;
     const QStringList photographs = writePhotographs(folder, 2);

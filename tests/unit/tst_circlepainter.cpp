@@ -86,7 +86,7 @@ private slots:
     void drawsTheSameAsThePainterAlone();
     void neverHangsOnHostileValues_data();
     void neverHangsOnHostileValues();
-    void drawsAnythingAnywhere();
+    void anyValueDoesNotCrash();
 
     void knowsWhereItDraws();
     void keepsItsRectanglesApartAndInside();
@@ -234,7 +234,7 @@ void tst_CirclePainter::neverHangsOnHostileValues()
     QVERIFY2(taken < 1000, qPrintable(QString("%1 ms").arg(taken)));
 }
 
-void tst_CirclePainter::drawsAnythingAnywhere()
+void tst_CirclePainter::anyValueDoesNotCrash()
 {
     Rng rng(20);
     const auto anyInt = [&rng] {

@@ -66,7 +66,7 @@ QString difference(const Case &c)
     return {};
 }
 
-/// A disc that may lie anywhere, on a map of even width that is tilted: what the fast path is for.
+/// A disc that may lie anywhere, on a map of even width that is tilted: what the one pass is for.
 Case anyCase(Rng &rng, int photographSide, QSize largestMap)
 {
     const QSize size{rng.between(1, photographSide), rng.between(1, photographSide)};
@@ -126,7 +126,7 @@ void tst_ComposedMap::agreesForRandomSets()
             painted += isBlank(referenceMap(c.photograph, c.parameters)) ? 0 : 1;
         composed += composedWithScalars(c).isNull() ? 0 : 1;
     }
-    // Most sets must be such that the fast target is taken and something is to be seen.
+    // Most sets must be such that the one pass is taken and something is to be seen.
     QVERIFY2(painted > 1000 || sets < 2000, qPrintable(QString::number(painted)));
     QVERIFY2(composed > sets / 2, qPrintable(QString::number(composed)));
 }

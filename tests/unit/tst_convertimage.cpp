@@ -82,11 +82,11 @@ private slots:
     void keepsTheColoursOfTransparentPhotographs();
     void handlesEventsAfterEveryRow_data();
     void handlesEventsAfterEveryRow();
-    void bearsAnyValue_data();
-    void bearsAnyValue();
-    void bearsAnyRatio_data();
-    void bearsAnyRatio();
-    void bearsNullImages();
+    void extremeCirclesPaintNothing_data();
+    void extremeCirclesPaintNothing();
+    void extremeRatiosPaintTheCentreOrNothing_data();
+    void extremeRatiosPaintTheCentreOrNothing();
+    void nullImagesChangeNothing();
     void startsWithItsDefaults();
 };
 
@@ -387,7 +387,7 @@ void tst_ConvertImage::handlesEventsAfterEveryRow()
     QCOMPARE(counter.ticks, rows);
 }
 
-void tst_ConvertImage::bearsAnyValue_data()
+void tst_ConvertImage::extremeCirclesPaintNothing_data()
 {
     QTest::addColumn<QPoint>("center");
     QTest::addColumn<int>("radius");
@@ -399,7 +399,7 @@ void tst_ConvertImage::bearsAnyValue_data()
     }
 }
 
-void tst_ConvertImage::bearsAnyValue()
+void tst_ConvertImage::extremeCirclesPaintNothing()
 {
     QFETCH(QPoint, center);
     QFETCH(int, radius);
@@ -412,7 +412,7 @@ void tst_ConvertImage::bearsAnyValue()
     QCOMPARE(log.messages(), QStringList("Convert error 0"));
 }
 
-void tst_ConvertImage::bearsAnyRatio_data()
+void tst_ConvertImage::extremeRatiosPaintTheCentreOrNothing_data()
 {
     QTest::addColumn<double>("ratioX");
     QTest::addColumn<double>("ratioY");
@@ -428,7 +428,7 @@ void tst_ConvertImage::bearsAnyRatio_data()
     QTest::newRow("columns that are no number: the centre") << notANumber << 10.0 << true;
 }
 
-void tst_ConvertImage::bearsAnyRatio()
+void tst_ConvertImage::extremeRatiosPaintTheCentreOrNothing()
 {
     QFETCH(double, ratioX);
     QFETCH(double, ratioY);
@@ -440,7 +440,7 @@ void tst_ConvertImage::bearsAnyRatio()
     QCOMPARE(log.messages(), QStringList("Convert error 0"));
 }
 
-void tst_ConvertImage::bearsNullImages()
+void tst_ConvertImage::nullImagesChangeNothing()
 {
     MessageCollector log;
     QImage map = canvas({4, 20}, untouched);

@@ -1,6 +1,9 @@
 #include "gather.h"
 
+#include <QVector>
 #include <QtTest>
+
+#include <algorithm>
 
 using namespace projection;
 
@@ -29,7 +32,7 @@ private slots:
     void noneKeepsThePixel();
     void fullBatchIsGathered();
     void nothingIsGatheredTwice();
-    void anyAddressCanBePrefetched();
+    void prefetchingAnyAddressDoesNotCrash();
 
 private:
     using Queue = GatherQueue<uint32_t (*)(uint32_t)>;
@@ -117,7 +120,7 @@ void tst_Gather::nothingIsGatheredTwice()
     QCOMPARE(m_map, QVector<uint32_t>(6, untouched));
 }
 
-void tst_Gather::anyAddressCanBePrefetched()
+void tst_Gather::prefetchingAnyAddressDoesNotCrash()
 {
     Queue queue(m_pixels.constData(), finished);
     prefetch(nullptr);

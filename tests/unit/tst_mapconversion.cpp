@@ -114,12 +114,12 @@ private slots:
     void convertsSixteenBitChannels_data();
     void convertsSixteenBitChannels();
     void leavesThePhotographAlone();
-    void survivesChangesDuringEvents();
+    void changesDuringEventsChangeNothing();
     void nullPhotographGivesNullMap();
     void impossibleSizesGiveNullMaps_data();
     void impossibleSizesGiveNullMaps();
-    void bearsAnyValue_data();
-    void bearsAnyValue();
+    void anyValueGivesTheReferenceMap_data();
+    void anyValueGivesTheReferenceMap();
 #ifdef Q_OS_LINUX
     void canvasesThatDoNotFitGiveNullMaps_data();
     void canvasesThatDoNotFitGiveNullMaps();
@@ -348,7 +348,7 @@ void tst_MapConversion::leavesThePhotographAlone()
     COMPARE_IMAGES(photograph(), before);
 }
 
-void tst_MapConversion::survivesChangesDuringEvents()
+void tst_MapConversion::changesDuringEventsChangeNothing()
 {
     // The window loads another photograph and changes every value while a conversion handles events.
     QImage image = locatedPhotograph({101, 91});
@@ -405,7 +405,7 @@ void tst_MapConversion::impossibleSizesGiveNullMaps()
     QVERIFY(convert(p, AzimuthStep::EmptiesMap).isNull());
 }
 
-void tst_MapConversion::bearsAnyValue_data()
+void tst_MapConversion::anyValueGivesTheReferenceMap_data()
 {
     QTest::addColumn<int>("integer");
     QTest::addColumn<double>("real");
@@ -417,7 +417,7 @@ void tst_MapConversion::bearsAnyValue_data()
     QTest::newRow("minus infinity") << -32769 << -infinity;
 }
 
-void tst_MapConversion::bearsAnyValue()
+void tst_MapConversion::anyValueGivesTheReferenceMap()
 {
     QFETCH(int, integer);
     QFETCH(double, real);

@@ -52,17 +52,17 @@ private slots:
     void impossibleTargetIsRefused_data();
     void impossibleTargetIsRefused();
     void pipeIsRefused();
-    void longestFileName_data();
-    void longestFileName();
+    void longestFileNameIsReplaced_data();
+    void longestFileNameIsReplaced();
     void fullDiskLeavesOldFile_data();
     void fullDiskLeavesOldFile();
     void fullSmallDiskLeavesOldFile();
-    void readOnlyFolder_data();
-    void readOnlyFolder();
+    void readOnlyFolderIsRefusedOrWrittenInPlace_data();
+    void readOnlyFolderIsRefusedOrWrittenInPlace();
     void readOnlyFolderWithoutFile_data();
     void readOnlyFolderWithoutFile();
-    void readOnlyFile_data();
-    void readOnlyFile();
+    void readOnlyFileIsRefused_data();
+    void readOnlyFileIsRefused();
     void killedProcessLeavesWholeFile();
 
 private:
@@ -212,7 +212,7 @@ void tst_ReplaceFile::pipeIsRefused()
     QVERIFY(S_ISFIFO(status.st_mode));
 }
 
-void tst_ReplaceFile::longestFileName_data()
+void tst_ReplaceFile::longestFileNameIsReplaced_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("248 bytes") << QString(248, 'x');
@@ -221,7 +221,7 @@ void tst_ReplaceFile::longestFileName_data()
     QTest::newRow("85 kana of 3 bytes") << QString(85, QChar(0x3042));
 }
 
-void tst_ReplaceFile::longestFileName()
+void tst_ReplaceFile::longestFileNameIsReplaced()
 {
     QFETCH(QString, name);
     const QString path = m_folder->filePath(name);
@@ -286,12 +286,12 @@ void tst_ReplaceFile::fullSmallDiskLeavesOldFile()
     QCOMPARE(contentsOf(path), QByteArray(40000, 'n'));
 }
 
-void tst_ReplaceFile::readOnlyFolder_data()
+void tst_ReplaceFile::readOnlyFolderIsRefusedOrWrittenInPlace_data()
 {
     bothModes();
 }
 
-void tst_ReplaceFile::readOnlyFolder()
+void tst_ReplaceFile::readOnlyFolderIsRefusedOrWrittenInPlace()
 {
     QFETCH(ReadOnlyFolder, mode);
     const QString path = in("map.jpg");
@@ -322,12 +322,12 @@ void tst_ReplaceFile::readOnlyFolderWithoutFile()
     QCOMPARE(namesIn(m_folder->path()), QStringList());
 }
 
-void tst_ReplaceFile::readOnlyFile_data()
+void tst_ReplaceFile::readOnlyFileIsRefused_data()
 {
     bothModes();
 }
 
-void tst_ReplaceFile::readOnlyFile()
+void tst_ReplaceFile::readOnlyFileIsRefused()
 {
     QFETCH(ReadOnlyFolder, mode);
     const QString path = in("map.jpg");

@@ -53,11 +53,11 @@ private slots:
     void leavesPixelsWithoutLongitude();
     void writesTransparentPixelsToo();
     void writesOnlyTheAreaOfTheSource();
-    void bearsAnyAngle_data();
-    void bearsAnyAngle();
-    void bearsTheSmallestMaps_data();
-    void bearsTheSmallestMaps();
-    void bearsNullImages();
+    void anglesAreTakenModuloAWholeTurn_data();
+    void anglesAreTakenModuloAWholeTurn();
+    void smallestMapsAreFilled_data();
+    void smallestMapsAreFilled();
+    void nullImagesChangeNothing();
 
     void movesTheColumns_data();
     void movesTheColumns();
@@ -173,7 +173,7 @@ void tst_RotateImage::writesOnlyTheAreaOfTheSource()
     COMPARE_IMAGES(smaller, rotated(3, 25, map).copy(0, 0, 7, 5));
 }
 
-void tst_RotateImage::bearsAnyAngle_data()
+void tst_RotateImage::anglesAreTakenModuloAWholeTurn_data()
 {
     QTest::addColumn<int>("angle");
     QTest::addColumn<int>("same");
@@ -183,7 +183,7 @@ void tst_RotateImage::bearsAnyAngle_data()
     QTest::newRow("backwards") << -350 << 10;
 }
 
-void tst_RotateImage::bearsAnyAngle()
+void tst_RotateImage::anglesAreTakenModuloAWholeTurn()
 {
     QFETCH(int, angle);
     QFETCH(int, same);
@@ -194,7 +194,7 @@ void tst_RotateImage::bearsAnyAngle()
     }
 }
 
-void tst_RotateImage::bearsTheSmallestMaps_data()
+void tst_RotateImage::smallestMapsAreFilled_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::newRow("one pixel") << QSize(1, 1);
@@ -202,7 +202,7 @@ void tst_RotateImage::bearsTheSmallestMaps_data()
     QTest::newRow("one row") << QSize(9, 1);
 }
 
-void tst_RotateImage::bearsTheSmallestMaps()
+void tst_RotateImage::smallestMapsAreFilled()
 {
     QFETCH(QSize, size);
     for (const int axis : {1, 2, 3}) {
@@ -217,7 +217,7 @@ void tst_RotateImage::bearsTheSmallestMaps()
     }
 }
 
-void tst_RotateImage::bearsNullImages()
+void tst_RotateImage::nullImagesChangeNothing()
 {
     QImage nothing;
     QImage map = canvas({8, 4}, untouched);

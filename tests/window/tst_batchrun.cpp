@@ -66,14 +66,14 @@ private slots:
     void cleanup();
 
     void everyMapEqualsTheReference();
-    void noInputs();
-    void noInputsUnattended();
+    void runWithoutInputsSucceeds();
+    void runWithoutInputsUnattendedIsSilent();
     void twoInputsOfOneName_data();
     void twoInputsOfOneName();
     void numbersMatchListPositions();
     void azimuthWithoutLaterStepsFailsEverySave();
     void azimuthWithLaterStepsGivesEmptyMaps();
-    void sortedByPath();
+    void inputsAreSortedByPath();
     void sortedByTimeNewestFirst();
     void unsortedKeepsTheOrder();
     void stopDuringTheThirdOfTen();
@@ -83,13 +83,13 @@ private slots:
     void progressSkipsUnreadableInputs();
     void onlyStopCanBeUsedMeanwhile();
     void allMapsHaveTheValuesOfTheStart();
-    void noPictureAfterwards();
+    void runLeavesNoPicture();
     void unattendedShowsNothing();
     void closingTheWindowEndsTheRun();
     void extensionFollowsTheFormat();
     void outputFolderThatFails_data();
     void outputFolderThatFails();
-    void badInputs();
+    void badInputsAreCountedAndSkipped();
     void nameTypeTestsNonZero();
 
     void dialogGetsAndGivesAllValues_data();
@@ -163,13 +163,13 @@ void tst_BatchRun::everyMapEqualsTheReference()
     QCOMPARE(m_window->ratioY, 16.0 / 40);
 }
 
-void tst_BatchRun::noInputs()
+void tst_BatchRun::runWithoutInputsSucceeds()
 {
     run(successText);
     QVERIFY(m_window->isEnabled());
 }
 
-void tst_BatchRun::noInputsUnattended()
+void tst_BatchRun::runWithoutInputsUnattendedIsSilent()
 {
     m_window->unattended = 1;
     ModalDriver driver;
@@ -233,7 +233,7 @@ void tst_BatchRun::azimuthWithLaterStepsGivesEmptyMaps()
     QCOMPARE(QImage(output("a.jpg")).pixelColor(32, 16), QColor(Qt::black));
 }
 
-void tst_BatchRun::sortedByPath()
+void tst_BatchRun::inputsAreSortedByPath()
 {
     m_window->nameType = 1;
     m_window->fileList = QStringList{photograph("img9.png", 9), photograph("img10.png", 10),
@@ -427,7 +427,7 @@ void tst_BatchRun::allMapsHaveTheValuesOfTheStart()
         COMPARE_IMAGES(QImage(output(name)), expectedMap(m_window->filePath(name)));
 }
 
-void tst_BatchRun::noPictureAfterwards()
+void tst_BatchRun::runLeavesNoPicture()
 {
     m_window->loadFileName = photograph("shown.png");
     m_window->loadImage();
@@ -505,7 +505,7 @@ void tst_BatchRun::outputFolderThatFails()
 }
 
 // Unreadable inputs of every kind count as failures, the run goes on, and no output is left of them.
-void tst_BatchRun::badInputs()
+void tst_BatchRun::badInputsAreCountedAndSkipped()
 {
     const auto write = [this](const QString &name, const QByteArray &contents) {
         QFile file(m_window->filePath(name));

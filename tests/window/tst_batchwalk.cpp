@@ -21,7 +21,7 @@ private slots:
     void init();
     void cleanup();
     void pickStartStopRead();
-    void wholeFolder();
+    void wholeFolderIsConverted();
 
 private:
     void click(QWidget *window, const char *button);
@@ -126,7 +126,7 @@ void tst_BatchWalk::pickStartStopRead()
     }
 }
 
-void tst_BatchWalk::wholeFolder()
+void tst_BatchWalk::wholeFolderIsConverted()
 {
     ModalDriver driver;
     driver.expect<BatchConvertDialog>([&](BatchConvertDialog *dialog) {

@@ -20,7 +20,7 @@ private slots:
     void cleanup();
 
     void closingTheMainWindowEndsTheProgram();
-    void closingThePreviewDoesNot();
+    void closingThePreviewDoesNotEndIt();
     void closingDuringAPreviewFinishesTheMap();
     void closingDuringASaveWritesTheMap();
 
@@ -66,7 +66,7 @@ void tst_Closing::closingTheMainWindowEndsTheProgram()
     QVERIFY(file.readAll().contains("PreviewWindow=true"));
 }
 
-void tst_Closing::closingThePreviewDoesNot()
+void tst_Closing::closingThePreviewDoesNotEndIt()
 {
     QTest::mouseClick(m_window->ui->btnPreview, Qt::LeftButton);
     bool goesOn = false;

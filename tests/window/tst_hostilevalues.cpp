@@ -51,16 +51,16 @@ private slots:
     void init();
     void cleanup();
 
-    void circle_data();
-    void circle();
-    void pen_data();
-    void pen();
-    void doubles_data();
-    void doubles();
-    void emptyMaps_data();
-    void emptyMaps();
-    void slimMaps_data();
-    void slimMaps();
+    void hostileCirclesGiveTheReferenceMap_data();
+    void hostileCirclesGiveTheReferenceMap();
+    void hostilePensNeitherCrashNorHang_data();
+    void hostilePensNeitherCrashNorHang();
+    void hostileDoublesGiveTheReferenceMap_data();
+    void hostileDoublesGiveTheReferenceMap();
+    void sizesWithoutPixelsGiveNoMap_data();
+    void sizesWithoutPixelsGiveNoMap();
+    void slimMapsEqualTheReference_data();
+    void slimMapsEqualTheReference();
     void photographsOfOnePixel_data();
     void photographsOfOnePixel();
 
@@ -92,7 +92,7 @@ QImage tst_HostileValues::previewed()
     return shownMap(*m_window);
 }
 
-void tst_HostileValues::circle_data()
+void tst_HostileValues::hostileCirclesGiveTheReferenceMap_data()
 {
     QTest::addColumn<int>("x");
     QTest::addColumn<int>("y");
@@ -108,7 +108,7 @@ void tst_HostileValues::circle_data()
 }
 
 // Shown, moved, resized, stepped and converted.
-void tst_HostileValues::circle()
+void tst_HostileValues::hostileCirclesGiveTheReferenceMap()
 {
     QFETCH(int, x);
     QFETCH(int, y);
@@ -140,7 +140,7 @@ void tst_HostileValues::circle()
     QVERIFY(m_window->close());
 }
 
-void tst_HostileValues::pen_data()
+void tst_HostileValues::hostilePensNeitherCrashNorHang_data()
 {
     QTest::addColumn<int>("size");
     QTest::addColumn<int>("radius");
@@ -150,7 +150,7 @@ void tst_HostileValues::pen_data()
     }
 }
 
-void tst_HostileValues::pen()
+void tst_HostileValues::hostilePensNeitherCrashNorHang()
 {
     QFETCH(int, size);
     QFETCH(int, radius);
@@ -165,7 +165,7 @@ void tst_HostileValues::pen()
     QVERIFY(!m_window->grab().isNull());
 }
 
-void tst_HostileValues::doubles_data()
+void tst_HostileValues::hostileDoublesGiveTheReferenceMap_data()
 {
     QTest::addColumn<double>("distance");
     QTest::addColumn<double>("latitude");
@@ -181,7 +181,7 @@ void tst_HostileValues::doubles_data()
     }
 }
 
-void tst_HostileValues::doubles()
+void tst_HostileValues::hostileDoublesGiveTheReferenceMap()
 {
     QFETCH(double, distance);
     QFETCH(double, latitude);
@@ -196,7 +196,7 @@ void tst_HostileValues::doubles()
     COMPARE_IMAGES(map, referenceMap(*m_window));
 }
 
-void tst_HostileValues::emptyMaps_data()
+void tst_HostileValues::sizesWithoutPixelsGiveNoMap_data()
 {
     QTest::addColumn<QSize>("size");
     for (const int value : {smallest, -1, 0}) {
@@ -208,7 +208,7 @@ void tst_HostileValues::emptyMaps_data()
     QTest::newRow("a row longer than can be counted") << QSize(largest, 1);
 }
 
-void tst_HostileValues::emptyMaps()
+void tst_HostileValues::sizesWithoutPixelsGiveNoMap()
 {
     QFETCH(QSize, size);
     m_window->outputSizeX = size.width();
@@ -219,7 +219,7 @@ void tst_HostileValues::emptyMaps()
     QCOMPARE(collector.messages().filter("Convert error"), QStringList()); // at once
 }
 
-void tst_HostileValues::slimMaps_data()
+void tst_HostileValues::slimMapsEqualTheReference_data()
 {
     QTest::addColumn<QSize>("size");
     for (const QSize size : {QSize(1, 1), QSize(1, 2), QSize(2, 1), QSize(1, 500), QSize(500, 1),
@@ -227,7 +227,7 @@ void tst_HostileValues::slimMaps_data()
         QTest::addRow("%d x %d", size.width(), size.height()) << size;
 }
 
-void tst_HostileValues::slimMaps()
+void tst_HostileValues::slimMapsEqualTheReference()
 {
     QFETCH(QSize, size);
     m_window->outputSizeX = size.width();

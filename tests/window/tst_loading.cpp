@@ -29,15 +29,15 @@ private slots:
     void init();
     void cleanup();
 
-    void defaultCircle_data();
-    void defaultCircle();
+    void firstCircleFitsThePhotograph_data();
+    void firstCircleFitsThePhotograph();
     void secondPhotographKeepsTheCircle();
     void circleOutsideTheNewPhotographIsKept();
     void oneZeroValueFitsTheCircleAgain_data();
     void oneZeroValueFitsTheCircleAgain();
     void negativeValueKeepsTheCircleHidden();
-    void proposedName_data();
-    void proposedName();
+    void mapNameIsProposed_data();
+    void mapNameIsProposed();
     void lineEditsFollow();
     void loadingLeavesThePreviewAlone();
     void pictureHoldsTheCircle();
@@ -49,16 +49,16 @@ private slots:
     void failedLoadStoresNoFileName();
     void warningTitleIsTheButtonsText();
     void fileNameIsShownAsItIs();
-    void noReadPermission();
+    void fileWithoutReadPermissionLosesNothing();
 
-    void openDialog();
+    void openDialogAsksForOnePicture();
     void cancelledOpenDialogChangesNothing();
 
-    void dragEnter_data();
-    void dragEnter();
+    void dragOfOneImageIsAccepted_data();
+    void dragOfOneImageIsAccepted();
     void dropWithoutUrlsIsLeftAlone();
-    void dropOfOne_data();
-    void dropOfOne();
+    void droppedPhotographIsLoaded_data();
+    void droppedPhotographIsLoaded();
     void dropWhoseSecondIsNoImage();
     void dropOfSeveralOpensTheBatchDialog();
 
@@ -96,7 +96,7 @@ void tst_Loading::load(const QString &path)
     m_window->loadImage();
 }
 
-void tst_Loading::defaultCircle_data()
+void tst_Loading::firstCircleFitsThePhotograph_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("x");
@@ -107,7 +107,7 @@ void tst_Loading::defaultCircle_data()
     QTest::newRow("odd size") << QSize(1001, 601) << 500 << 300 << 294;
 }
 
-void tst_Loading::defaultCircle()
+void tst_Loading::firstCircleFitsThePhotograph()
 {
     QFETCH(QSize, size);
     load(picture("p.png", size));
@@ -181,7 +181,7 @@ void tst_Loading::negativeValueKeepsTheCircleHidden()
              QColor(Qt::darkGreen));
 }
 
-void tst_Loading::proposedName_data()
+void tst_Loading::mapNameIsProposed_data()
 {
     QTest::addColumn<QString>("input");
     QTest::addColumn<int>("format");
@@ -194,7 +194,7 @@ void tst_Loading::proposedName_data()
     QTest::newRow("no name before the dot") << ".hidden.png" << 0 << "OV-.jpg";
 }
 
-void tst_Loading::proposedName()
+void tst_Loading::mapNameIsProposed()
 {
     QFETCH(QString, input);
     QFETCH(QString, output);
@@ -330,7 +330,7 @@ void tst_Loading::fileNameIsShownAsItIs()
 
 // A file that may not be read fails to load for an ordinary user and loads for root; either way nothing is
 // lost.
-void tst_Loading::noReadPermission()
+void tst_Loading::fileWithoutReadPermissionLosesNothing()
 {
     const QString path = picture("locked.png");
     QVERIFY(QFile::setPermissions(path, QFileDevice::WriteOwner));
@@ -343,7 +343,7 @@ void tst_Loading::noReadPermission()
     QCOMPARE(m_window->image.isNull(), !readable);
 }
 
-void tst_Loading::openDialog()
+void tst_Loading::openDialogAsksForOnePicture()
 {
     const QString path = picture("p.png");
     m_window->loadFileName = m_window->filePath("earlier.png");
@@ -374,7 +374,7 @@ void tst_Loading::cancelledOpenDialogChangesNothing()
     QCOMPARE(m_window->loadFileName, m_window->filePath("p.png"));
 }
 
-void tst_Loading::dragEnter_data()
+void tst_Loading::dragOfOneImageIsAccepted_data()
 {
     QTest::addColumn<QList<QUrl>>("urls");
     QTest::addColumn<bool>("accepted");
@@ -390,7 +390,7 @@ void tst_Loading::dragEnter_data()
     QTest::newRow("not local") << QList<QUrl>{QUrl("http://example.org/b.jpg")} << false;
 }
 
-void tst_Loading::dragEnter()
+void tst_Loading::dragOfOneImageIsAccepted()
 {
     QFETCH(QList<QUrl>, urls);
     QMimeData data;
@@ -413,7 +413,7 @@ void tst_Loading::dropWithoutUrlsIsLeftAlone()
     }
 }
 
-void tst_Loading::dropOfOne_data()
+void tst_Loading::droppedPhotographIsLoaded_data()
 {
     QTest::addColumn<QString>("name");
     QTest::addColumn<bool>("loads");
@@ -422,7 +422,7 @@ void tst_Loading::dropOfOne_data()
     QTest::newRow("jpeg") << "one.jpeg" << false;
 }
 
-void tst_Loading::dropOfOne()
+void tst_Loading::droppedPhotographIsLoaded()
 {
     QFETCH(QString, name);
     QFETCH(bool, loads);

@@ -62,7 +62,7 @@ private slots:
     void hoversOnlyInCircleMode();
     void passesIdleMovesOn();
     void neverReportsAClick();
-    void survivesPositionsFarAway();
+    void farPositionsAreReported();
 
     void paintsTheWholePictureFitted_data();
     void paintsTheWholePictureFitted();
@@ -455,7 +455,7 @@ void tst_MyImage::neverReportsAClick()
     QCOMPARE(clicks.count(), 0);
 }
 
-void tst_MyImage::survivesPositionsFarAway()
+void tst_MyImage::farPositionsAreReported()
 {
     MyImage label;
     label.resize(100, 60);

@@ -102,9 +102,9 @@ private slots:
     void everyValueComesBack();
     void windowPlacesComeBack();
     void severalRestartsChangeNothing();
-    void killedWhileClosing();
-    void mapThatDoesNotFitIntoTheMemory_data();
-    void mapThatDoesNotFitIntoTheMemory();
+    void killedWhileClosingLeavesAWholeFile();
+    void mapBeyondTheMemoryDoesNotCrash_data();
+    void mapBeyondTheMemoryDoesNotCrash();
 
 private:
     QString settingFile() const { return m_folder->filePath("tool.ini"); }
@@ -200,7 +200,7 @@ void tst_Restart::severalRestartsChangeNothing()
     QCOMPARE(contentsOf(settingFile()), file);
 }
 
-void tst_Restart::killedWhileClosing()
+void tst_Restart::killedWhileClosingLeavesAWholeFile()
 {
     {
         const auto window = loadedWindow(settingFile());
@@ -230,7 +230,7 @@ void tst_Restart::killedWhileClosing()
     }
 }
 
-void tst_Restart::mapThatDoesNotFitIntoTheMemory_data()
+void tst_Restart::mapBeyondTheMemoryDoesNotCrash_data()
 {
     QTest::addColumn<QString>("width");
     QTest::addColumn<QString>("height");
@@ -246,7 +246,7 @@ void tst_Restart::mapThatDoesNotFitIntoTheMemory_data()
                                               << "2147483647";
 }
 
-void tst_Restart::mapThatDoesNotFitIntoTheMemory()
+void tst_Restart::mapBeyondTheMemoryDoesNotCrash()
 {
     QFETCH(QString, width);
     QFETCH(QString, height);

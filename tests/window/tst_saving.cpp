@@ -33,8 +33,8 @@ private slots:
     void boxesCarryTheButtonsCurrentText();
     void boxesCarryTheTextsOfTheLanguageFile();
 
-    void typedName_data();
-    void typedName();
+    void mapIsSavedUnderTheTypedName_data();
+    void mapIsSavedUnderTheTypedName();
     void typedFolderBelongsToTheNextSave();
     void emptyNameMeansTheFolder();
     void typedCircleIsTaken();
@@ -48,7 +48,7 @@ private slots:
     void browsePicksTheTarget();
     void browseAddsNoSuffix();
     void browseOverAnExistingFile();
-    void browseCancelled();
+    void cancelledBrowseChangesNothing();
 
 private:
     void save(const QString &name);
@@ -261,7 +261,7 @@ void tst_Saving::boxesCarryTheTextsOfTheLanguageFile()
     QVERIFY(driver.done());
 }
 
-void tst_Saving::typedName_data()
+void tst_Saving::mapIsSavedUnderTheTypedName_data()
 {
     QTest::addColumn<QString>("name");
     QTest::newRow("Japanese and beyond the basic plane") << "地球 𠮷田 🌏.jpg";
@@ -273,7 +273,7 @@ void tst_Saving::typedName_data()
     QTest::newRow("place holders") << "%1%2%n.jpg";
 }
 
-void tst_Saving::typedName()
+void tst_Saving::mapIsSavedUnderTheTypedName()
 {
     QFETCH(QString, name);
     QVERIFY(QDir(m_window->folder()).mkdir("sub"));
@@ -467,7 +467,7 @@ void tst_Saving::browseOverAnExistingFile()
     QCOMPARE(contentsOf(path("there.jpg")), oldContents);
 }
 
-void tst_Saving::browseCancelled()
+void tst_Saving::cancelledBrowseChangesNothing()
 {
     m_window->ui->lineSaveFilename->setText("typed.jpg");
     const QString toolTip = m_window->ui->lineSaveFilename->toolTip();

@@ -32,10 +32,10 @@ private slots:
     void fileSizeLimitKeepsTheOldFile();
     void fullDiskKeepsTheOldFile_data();
     void fullDiskKeepsTheOldFile();
-    void folderAsTarget();
-    void missingFolder();
-    void permissions_data();
-    void permissions();
+    void folderAsTargetStaysAFolder();
+    void missingFolderIsNotMade();
+    void permissionsDecideWhetherTheMapIsWritten_data();
+    void permissionsDecideWhetherTheMapIsWritten();
     void emptySavePathMeansTheRoot();
     void mapWithoutPixelsWritesNothing_data();
     void mapWithoutPixelsWritesNothing();
@@ -129,7 +129,7 @@ void tst_SavingFaults::fullDiskKeepsTheOldFile()
     QCOMPARE(namesIn(path("disk")), names);
 }
 
-void tst_SavingFaults::folderAsTarget()
+void tst_SavingFaults::folderAsTargetStaysAFolder()
 {
     QVERIFY(QDir(m_window->folder()).mkpath("map.jpg/inside"));
     const QStringList names = namesIn(m_window->folder());
@@ -143,13 +143,13 @@ void tst_SavingFaults::folderAsTarget()
     QCOMPARE(namesIn(m_window->folder()), names);
 }
 
-void tst_SavingFaults::missingFolder()
+void tst_SavingFaults::missingFolderIsNotMade()
 {
     m_window->save("not/there/map.jpg");
     QCOMPARE(namesIn(m_window->folder()), QStringList{"planet.png"});
 }
 
-void tst_SavingFaults::permissions_data()
+void tst_SavingFaults::permissionsDecideWhetherTheMapIsWritten_data()
 {
     QTest::addColumn<int>("fileMode");
     QTest::addColumn<int>("folderMode");
@@ -161,7 +161,7 @@ void tst_SavingFaults::permissions_data()
     QTest::newRow("both are writable") << 0644 << 0755 << true;
 }
 
-void tst_SavingFaults::permissions()
+void tst_SavingFaults::permissionsDecideWhetherTheMapIsWritten()
 {
     QFETCH(int, fileMode);
     QFETCH(int, folderMode);

@@ -91,15 +91,15 @@ private slots:
     void lineEditsShowTheCircle();
     void numbersAreConverted_data();
     void numbersAreConverted();
-    void anyGeometryIsSurvived_data();
-    void anyGeometryIsSurvived();
-    void colours_data();
-    void colours();
+    void damagedGeometryStillShowsTheWindow_data();
+    void damagedGeometryStillShowsTheWindow();
+    void coloursAreReadAndSaved_data();
+    void coloursAreReadAndSaved();
 
     void obstaclesGiveDefaults_data();
     void obstaclesGiveDefaults();
-    void hugeFile_data();
-    void hugeFile();
+    void hugeFileIsReadWhole_data();
+    void hugeFileIsReadWhole();
 
     void reloadedPhotographProposesItsName();
     void lostPhotographIsForgotten();
@@ -275,7 +275,7 @@ void tst_Settings::numbersAreConverted()
     QVERIFY(m_window->close());
 }
 
-void tst_Settings::anyGeometryIsSurvived_data()
+void tst_Settings::damagedGeometryStillShowsTheWindow_data()
 {
     QWidget model;
     model.setGeometry(30, 40, 700, 650);
@@ -296,7 +296,7 @@ void tst_Settings::anyGeometryIsSurvived_data()
     }
 }
 
-void tst_Settings::anyGeometryIsSurvived()
+void tst_Settings::damagedGeometryStillShowsTheWindow()
 {
     QFETCH(QByteArray, inFile);
     QFETCH(bool, asBuilt);
@@ -314,7 +314,7 @@ void tst_Settings::anyGeometryIsSurvived()
     QVERIFY(m_window->close());
 }
 
-void tst_Settings::colours_data()
+void tst_Settings::coloursAreReadAndSaved_data()
 {
     QTest::addColumn<QByteArray>("inFile");
     QTest::addColumn<QString>("colour");
@@ -331,7 +331,7 @@ void tst_Settings::colours_data()
     QTest::newRow("bytes") << QByteArray("@ByteArray(#ff010203)") << "#ff010203";
 }
 
-void tst_Settings::colours()
+void tst_Settings::coloursAreReadAndSaved()
 {
     QFETCH(QByteArray, inFile);
     QFETCH(QString, colour);
@@ -389,7 +389,7 @@ void tst_Settings::obstaclesGiveDefaults()
         QVERIFY(QFileInfo(file).isDir());
 }
 
-void tst_Settings::hugeFile_data()
+void tst_Settings::hugeFileIsReadWhole_data()
 {
     QTest::addColumn<QByteArray>("filler");
     QTest::newRow("one value of 10 MB") << "Filler=" + QByteArray(10 << 20, 'x') + '\n';
@@ -404,7 +404,7 @@ void tst_Settings::hugeFile_data()
     }();
 }
 
-void tst_Settings::hugeFile()
+void tst_Settings::hugeFileIsReadWhole()
 {
     QFETCH(QByteArray, filler);
     QCOMPARE(m_folder->loaded("[General]\nPenSize=9\n" + filler + "CenterX=77\n"),

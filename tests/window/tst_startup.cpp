@@ -62,7 +62,7 @@ private slots:
     void slotsHaveTheirIndexes();
     void everySlotOfAnObjectIsConnected();
     void noSlotWithoutItsSignal();
-    void constructorValues();
+    void constructedWindowHasItsDefaults();
     void lineEditsShowZero();
     void pictureHearsMovesWithoutButtons();
     void startUpTimerRunsOnceASecond();
@@ -130,7 +130,7 @@ void tst_Startup::noSlotWithoutItsSignal()
     QCOMPARE(collector.messages().filter("No matching signal"), QStringList());
 }
 
-void tst_Startup::constructorValues()
+void tst_Startup::constructedWindowHasItsDefaults()
 {
     const TestWindow &w = *m_window;
     const TestWindow fresh;

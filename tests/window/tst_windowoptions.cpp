@@ -111,16 +111,16 @@ private slots:
     void rejectionLeavesEveryValue_data();
     void rejectionLeavesEveryValue();
     void refusedValuesNeverArrive();
-    void defaultsThenCancel();
-    void defaultsThenOk();
+    void cancelAfterDefaultsKeepsEveryValue();
+    void okAfterDefaultsTakesThem();
     void sixDigitsAreWhatComesBack();
     void hostileValuesAreShown();
     void circleIsDrawnWithTheNewPen();
     void hiddenCircleStaysHidden();
-    void unparsableColour_data();
-    void unparsableColour();
+    void unparsableColourMakesThePenInvalid_data();
+    void unparsableColourMakesThePenInvalid();
     void nothingElseIsUpdated();
-    void worksWithoutAPhotograph();
+    void valuesAreTakenWithoutAPhotograph();
 
 private:
     void withDialog(const std::function<void(Option *)> &act);
@@ -207,12 +207,12 @@ void tst_WindowOptions::okTakesEveryValue()
 
 void tst_WindowOptions::rejectionLeavesEveryValue_data()
 {
-    using Way = std::function<void(Option *)>;
-    QTest::addColumn<Way>("reject");
-    QTest::newRow("Cancel") << Way([](Option *option) { press(option, "btnCancel"); });
-    QTest::newRow("Esc") << Way([](Option *option) { QTest::keyClick(option, Qt::Key_Escape); });
-    QTest::newRow("title bar") << Way([](Option *option) { option->close(); });
-    QTest::newRow("Return in a field") << Way(
+    using Rejection = std::function<void(Option *)>;
+    QTest::addColumn<Rejection>("reject");
+    QTest::newRow("Cancel") << Rejection([](Option *option) { press(option, "btnCancel"); });
+    QTest::newRow("Esc") << Rejection([](Option *option) { QTest::keyClick(option, Qt::Key_Escape); });
+    QTest::newRow("title bar") << Rejection([](Option *option) { option->close(); });
+    QTest::newRow("Return in a field") << Rejection(
         [](Option *option) { QTest::keyClick(option->findChild<QLineEdit *>("lineSize"), Qt::Key_Return); });
 }
 
@@ -245,7 +245,7 @@ void tst_WindowOptions::refusedValuesNeverArrive()
     QVERIFY(valuesOf(*m_window) == Values());
 }
 
-void tst_WindowOptions::defaultsThenCancel()
+void tst_WindowOptions::cancelAfterDefaultsKeepsEveryValue()
 {
     withDialog([](Option *option) {
         press(option, "btnDefault");
@@ -254,7 +254,7 @@ void tst_WindowOptions::defaultsThenCancel()
     QVERIFY(valuesOf(*m_window) == Values());
 }
 
-void tst_WindowOptions::defaultsThenOk()
+void tst_WindowOptions::okAfterDefaultsTakesThem()
 {
     withDialog([](Option *option) {
         press(option, "btnDefault");
@@ -320,7 +320,7 @@ void tst_WindowOptions::hiddenCircleStaysHidden()
     COMPARE_IMAGES(m_window->shownPicture(), uncachedPicture(m_window->image, std::nullopt));
 }
 
-void tst_WindowOptions::unparsableColour_data()
+void tst_WindowOptions::unparsableColourMakesThePenInvalid_data()
 {
     QTest::addColumn<QString>("text");
     QTest::newRow("a word that is no colour") << "reddish";
@@ -328,7 +328,7 @@ void tst_WindowOptions::unparsableColour_data()
     QTest::newRow("nothing") << "";
 }
 
-void tst_WindowOptions::unparsableColour()
+void tst_WindowOptions::unparsableColourMakesThePenInvalid()
 {
     QFETCH(QString, text);
     withDialog([&](Option *option) {
@@ -363,7 +363,7 @@ void tst_WindowOptions::nothingElseIsUpdated()
     QVERIFY(!QFile::exists(m_window->settingFile));
 }
 
-void tst_WindowOptions::worksWithoutAPhotograph()
+void tst_WindowOptions::valuesAreTakenWithoutAPhotograph()
 {
     m_window = std::make_unique<FreshWindow>();
     withDialog([](Option *option) {

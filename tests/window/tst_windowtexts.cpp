@@ -128,15 +128,15 @@ private slots:
     void everyKeyIsReplaced();
     void oneKeyReplacesOneText_data();
     void oneKeyReplacesOneText();
-    void builtInTexts_data();
-    void builtInTexts();
+    void contentsWithoutTextsGiveTheBuiltInOnes_data();
+    void contentsWithoutTextsGiveTheBuiltInOnes();
     void messagesAreExactlyTheKnownKeys();
-    void textsWithoutAKey();
+    void textsWithoutAKeyStay();
     void titlesOfTheWindows();
     void replacedTitleCarriesTheVersion();
-    void lineBreakEscape();
-    void handWrittenValues_data();
-    void handWrittenValues();
+    void lineBreaksAreEscaped();
+    void handWrittenValuesAreRead_data();
+    void handWrittenValuesAreRead();
     void fileIsReadEachTime();
     void dialogsReadTheFileEachTime_data();
     void dialogsReadTheFileEachTime();
@@ -215,7 +215,7 @@ void tst_WindowTexts::oneKeyReplacesOneText()
                  &text == &allTexts[index] ? replacementOf(text) : QString::fromUtf8(text.builtIn));
 }
 
-void tst_WindowTexts::builtInTexts_data()
+void tst_WindowTexts::contentsWithoutTextsGiveTheBuiltInOnes_data()
 {
     QByteArray emptyValues;
     for (const Text &text : allTexts)
@@ -240,7 +240,7 @@ void tst_WindowTexts::builtInTexts_data()
     QTest::newRow("unknown keys") << QByteArray("[main]\nlbl_9=x\nmenu_help=x\n");
 }
 
-void tst_WindowTexts::builtInTexts()
+void tst_WindowTexts::contentsWithoutTextsGiveTheBuiltInOnes()
 {
     QFETCH(QByteArray, contents);
     writeLanguageFile(contents);
@@ -258,7 +258,7 @@ void tst_WindowTexts::messagesAreExactlyTheKnownKeys()
     QCOMPARE(QStringList(m_window->showString.keys()), keys);
 }
 
-void tst_WindowTexts::textsWithoutAKey()
+void tst_WindowTexts::textsWithoutAKeyStay()
 {
     writeLanguageFile("[main]\n" + everyKeyReplaced());
     m_window->readShowString();
@@ -292,7 +292,7 @@ void tst_WindowTexts::replacedTitleCarriesTheVersion()
     }
 }
 
-void tst_WindowTexts::lineBreakEscape()
+void tst_WindowTexts::lineBreaksAreEscaped()
 {
     writeLanguageFile("[main]\nlbl_1=one\\ntwo\n");
     m_window->readShowString();
@@ -300,7 +300,7 @@ void tst_WindowTexts::lineBreakEscape()
     QVERIFY(m_window->ui->label_1->sizeHint().height() > m_window->ui->label_4_2->sizeHint().height());
 }
 
-void tst_WindowTexts::handWrittenValues_data()
+void tst_WindowTexts::handWrittenValuesAreRead_data()
 {
     QTest::addColumn<QByteArray>("written");
     QTest::addColumn<QString>("shown");
@@ -320,7 +320,7 @@ void tst_WindowTexts::handWrittenValues_data()
     QTest::newRow("very long") << QByteArray(1000000, 'x') << QString(1000000, 'x');
 }
 
-void tst_WindowTexts::handWrittenValues()
+void tst_WindowTexts::handWrittenValuesAreRead()
 {
     QFETCH(QByteArray, written);
     writeLanguageFile("[main]\nlbl_1=" + written + "\nbtn_open=after it\n");
