@@ -2,10 +2,13 @@
 
 #include "rng.h"
 
+#include <QPoint>
+#include <QSize>
 #include <QtTest>
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 using namespace projection;
 

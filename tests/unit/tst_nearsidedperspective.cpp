@@ -1,9 +1,12 @@
 #include "nearsidedperspective.h"
 
+#include <QPoint>
+#include <QSize>
 #include <QtTest>
 
 #include <cmath>
 #include <limits>
+#include <vector>
 
 using namespace projection;
 

@@ -2,6 +2,8 @@
 
 #include <QtTest>
 
+#include <vector>
+
 class tst_QImageView : public QObject
 {
     Q_OBJECT

@@ -1,5 +1,7 @@
 #include "sphererotation.h"
 
+#include <QPoint>
+#include <QSize>
 #include <QtTest>
 
 #include <limits>

@@ -2,6 +2,9 @@
 
 #include <QtTest>
 
+#include <algorithm>
+#include <vector>
+
 using namespace projection;
 
 namespace

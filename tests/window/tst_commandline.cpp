@@ -21,7 +21,7 @@ int runWindow(int argc, char *argv[])
 {
     QApplication application(argc, argv);
     TestWindow window;
-    window.settingFile = qEnvironmentVariable("TEST_SETTINGS");
+    window.settingFile = qEnvironmentVariable("OVMIC_TEST_SETTINGS");
     window.langFile = window.settingFile + ".lang";
     window.readShowString();
     window.show();
@@ -97,7 +97,7 @@ QStringList tst_CommandLine::started(const QStringList &arguments) const
 {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("TEST_SETTINGS", path("tool.ini"));
+    environment.insert("OVMIC_TEST_SETTINGS", path("tool.ini"));
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_folder->path());
     process.start(QCoreApplication::applicationFilePath(), QStringList{childSwitch} + arguments);
