@@ -1,23 +1,21 @@
 #pragma once
 
+#include "initext.h"
+
 #include <QPair>
 #include <QString>
 #include <QVariant>
 #include <QVector>
 
 #include <functional>
-#include <memory>
 
-class QSettings;
+/// Reads an ini file. One that is missing, no regular file, larger than 32 MB or cannot be read behaves as an
+/// empty one.
+IniText openIniFile(const QString &path);
 
-/// Opens an ini file the way all our ini files are read: ini format, UTF-8. A file that is missing or cannot
-/// be read behaves as an empty one.
-std::unique_ptr<QSettings> openIniFile(const QString &path);
-
-/// Writes values into an ini file, in this order, keeping the keys that the file already holds. The file is
-/// afterwards the whole new one or, after any failure, the whole old one.
-/// Text is stored as plain UTF-8, characters beyond the basic plane included. A missing folder is made; a
-/// file that exists and cannot be read is left alone.
+/// Writes values into the [General] section of an ini file and keeps everything else in it, byte for byte. The
+/// file is afterwards the whole new one or, after any failure, the whole old one. Text is stored as UTF-8. A
+/// missing folder is made; a file that exists and cannot be read is left alone.
 /// @return whether the new file is complete on the disk
 bool writeIniFile(const QString &path, const QVector<QPair<QString, QVariant>> &values);
 

@@ -3,9 +3,8 @@
 #include "inifile.h"
 
 UiTexts::UiTexts(const QString &langFile, const QString &group, QMap<QString, QString> &messages)
-    : m_file(openIniFile(langFile)), m_messages(messages)
+    : m_file(openIniFile(langFile)), m_group(group), m_messages(messages)
 {
-    m_file->beginGroup(group);
 }
 
 void UiTexts::message(const char *key, const char *builtInText)
@@ -16,5 +15,5 @@ void UiTexts::message(const char *key, const char *builtInText)
 
 QString UiTexts::value(const char *key) const
 {
-    return m_file->value(QString::fromLatin1(key)).toString();
+    return m_file.value(m_group + '/' + QString::fromLatin1(key)).toString();
 }

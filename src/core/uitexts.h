@@ -1,11 +1,9 @@
 #pragma once
 
-#include <QMap>
-#include <QSettings>
-#include <QString>
+#include "initext.h"
 
-#include <functional>
-#include <memory>
+#include <QMap>
+#include <QString>
 
 /// Reads one group of the language file. Every window walks its own keys, in the file's order; a key that is
 /// missing or empty leaves the built-in text.
@@ -31,6 +29,7 @@ public:
 private:
     QString value(const char *key) const; // empty when the file has none
 
-    std::unique_ptr<QSettings> m_file;
+    IniText m_file;
+    QString m_group;
     QMap<QString, QString> &m_messages;
 };

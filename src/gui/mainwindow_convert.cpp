@@ -11,7 +11,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
-#include <QSettings>
 
 MapParameters MainWindow::mapParameters() const
 {
@@ -173,10 +172,10 @@ void MainWindow::readParam()
     dialog.setWindowTitle(showString.value("load_inifile"));
     if (dialog.exec() == 0 || dialog.selectedFiles().isEmpty())
         return;
-    const auto file = openIniFile(dialog.selectedFiles().first());
-    centerX = file->value("CenterX", 0).toInt();
-    centerY = file->value("CenterY", 0).toInt();
-    radius = file->value("Radius", 0).toInt();
+    const IniText file = openIniFile(dialog.selectedFiles().first());
+    centerX = file.value("CenterX", 0).toInt();
+    centerY = file.value("CenterY", 0).toInt();
+    radius = file.value("Radius", 0).toInt();
     updateScreenParameter();
     updateSelect();
 }
