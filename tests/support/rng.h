@@ -16,7 +16,7 @@ public:
     /// From the first to the last, both included; any ints in order.
     int between(int first, int last)
     {
-        const quint64 count = static_cast<quint64>(qint64{last} - first + 1);
+        const auto count = static_cast<quint64>(qint64{last} - first + 1);
         return static_cast<int>(first + static_cast<qint64>(word() * count >> 32U));
     }
     /// From the first to before the last.

@@ -37,9 +37,9 @@ ConstImageView sized(int width, int height)
 
 std::vector<CosineSine> directionsRoundTheDisc(int count)
 {
-    std::vector<CosineSine> directions;
+    std::vector<CosineSine> directions(static_cast<size_t>(count));
     for (int i = 0; i < count; ++i)
-        directions.push_back(cosineSine(2 * pi * i / count));
+        directions[size_t(i)] = cosineSine(2 * pi * i / count);
     return directions;
 }
 
@@ -238,7 +238,7 @@ void tst_DiscSampler::rowIsPaintedSampleBySample()
     QFETCH(QPoint, center);
     QFETCH(double, radius);
     Rng rng(43);
-    std::vector<uint32_t> pixels(43 * 30);
+    std::vector<uint32_t> pixels(size_t{43} * 30);
     for (uint32_t &pixel : pixels)
         pixel = rng.word();
     const PerspectiveParameters parameters = centred(center.x(), center.y());

@@ -34,7 +34,7 @@ void tst_QImageView::opaquePhotographsHaveNoAlphaBits()
 
 void tst_QImageView::rowsLieAStrideApart()
 {
-    std::vector<QRgb> pixels(9 * 4);
+    std::vector<QRgb> pixels(size_t{9} * 4);
     QImage inside(reinterpret_cast<uchar *>(pixels.data()), 7, 4, 9 * 4, QImage::Format_ARGB32_Premultiplied);
     inside.setPixel(6, 3, 0xff123456U);
     QCOMPARE(photographView(inside).stride, std::ptrdiff_t(9));
