@@ -1,0 +1,36 @@
+#pragma once
+
+#include "discview.h"
+
+#include <vector>
+
+/// A place where the light changes most, in view pixels.
+struct EdgePoint {
+    float x;
+    float y;
+    float normalX; ///< unit vector towards the brighter side
+    float normalY;
+    int chain; ///< which of the chains it belongs to
+};
+
+/// The edges of a view: points in chains that run on without a corner. Short chains (noise, stars) are left out.
+struct DiscEdges {
+    int width = 0;
+    int height = 0;
+    std::vector<EdgePoint> points; ///< those of a chain stand next to each other, the longest chain first
+    std::vector<int>
+        chainStarts;      ///< index of the first point of each chain, and the number of points at the end
+    std::vector<int> map; ///< for each pixel of the view the index of its point, or -1
+
+    /// The point in the pixel under a position, or none.
+    const EdgePoint *near(double x, double y) const
+    {
+        if (!(x >= 0.0 && y >= 0.0 && x < width && y < height))
+            return nullptr;
+        const int index =
+            map[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
+        return index < 0 ? nullptr : &points[static_cast<std::size_t>(index)];
+    }
+};
+
+DiscEdges findEdges(const DiscPlane &plane);
