@@ -1,0 +1,18 @@
+#pragma once
+
+#include "discfinder.h"
+
+#include <QImage>
+#include <QString>
+
+#include <optional>
+
+class QTextStream;
+
+/// A photograph, reduced to 640 pixels a side, with the circle drawn on in red and its confidence as the file
+/// name cannot hold it: the thicker the line, the surer.
+QImage markedPicture(const QImage &photograph, const std::optional<FoundDisc> &found);
+
+/// Writes a drifting series into a folder, searches each photograph and prints how far circles and landmarks are
+/// from the truth. @return whether every disc was found
+bool measureSeries(const QString &folder, QTextStream &out);
