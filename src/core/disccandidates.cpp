@@ -107,8 +107,8 @@ private:
 
     static std::optional<DiscCircle> circleThrough(const Triple &triple)
     {
-        const double x0 = static_cast<double>(triple.points[0]->x);
-        const double y0 = static_cast<double>(triple.points[0]->y);
+        const auto x0 = static_cast<double>(triple.points[0]->x);
+        const auto y0 = static_cast<double>(triple.points[0]->y);
         const double ax = static_cast<double>(triple.points[1]->x) - x0;
         const double ay = static_cast<double>(triple.points[1]->y) - y0;
         const double bx = static_cast<double>(triple.points[2]->x) - x0;

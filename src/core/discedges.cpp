@@ -23,7 +23,7 @@ DiscPlane smoothed(const DiscPlane &plane)
 {
     constexpr std::array<float, 5> bell = {0.2853F, 0.2211F, 0.1028F, 0.0287F, 0.0048F};
     const int reach = static_cast<int>(bell.size()) - 1;
-    const std::size_t width = static_cast<std::size_t>(plane.width);
+    const auto width = static_cast<std::size_t>(plane.width);
     const auto sum = [&](float c, float n1, float n2, float n3, float n4) {
         return bell[0] * c + bell[1] * n1 + bell[2] * n2 + bell[3] * n3 + bell[4] * n4;
     };
@@ -160,13 +160,11 @@ void joinNeighbours(const DiscEdges &edges, Chains &chains)
     constexpr int besides[4][2] = {{1, 0}, {-1, 1}, {0, 1}, {1, 1}};
     for (int y = 2; y + 2 < edges.height; ++y) {
         for (int x = 2; x + 2 < edges.width; ++x) {
-            const std::size_t here = static_cast<std::size_t>(y * edges.width + x);
-            const int index = edges.map[here];
+            const int index = edges.indexAt(x, y);
             if (index < 0)
                 continue;
             for (const auto &beside : besides) {
-                const int other =
-                    edges.map[static_cast<std::size_t>((y + beside[1]) * edges.width + x + beside[0])];
+                const int other = edges.indexAt(x + beside[0], y + beside[1]);
                 if (other >= 0 && areAlike(edges.points[static_cast<std::size_t>(index)],
                                            edges.points[static_cast<std::size_t>(other)]))
                     chains.join(index, other);

@@ -22,13 +22,18 @@ struct DiscEdges {
         chainStarts;      ///< index of the first point of each chain, and the number of points at the end
     std::vector<int> map; ///< for each pixel of the view the index of its point, or -1
 
-    /// The point in the pixel under a position, or none.
+    /// The index of the point in a pixel of the view, or -1.
+    int indexAt(int x, int y) const
+    {
+        return map[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) +
+                   static_cast<std::size_t>(x)];
+    }
+    /// The point in the pixel under a position, which may lie anywhere, or none.
     const EdgePoint *near(double x, double y) const
     {
         if (!(x >= 0.0 && y >= 0.0 && x < width && y < height))
             return nullptr;
-        const int index =
-            map[static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x)];
+        const int index = indexAt(static_cast<int>(x), static_cast<int>(y));
         return index < 0 ? nullptr : &points[static_cast<std::size_t>(index)];
     }
 };

@@ -80,6 +80,7 @@ std::optional<LimbFit> bestOfView(LimbSource &view, const std::vector<DiscCircle
         LimbFit fit;
     };
     std::vector<Trial> trials;
+    trials.reserve(candidates.size());
     for (const DiscCircle &candidate : candidates)
         trials.push_back({candidate, wideFit(view, candidate)});
     std::stable_sort(trials.begin(), trials.end(),

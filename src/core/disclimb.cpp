@@ -118,18 +118,20 @@ private:
     /// From the best move in ever smaller steps in all directions.
     void goDownhill()
     {
-        for (double step = 1.0; step > 0.02; step *= 0.5)
+        double step = 1.0;
+        for (int halving = 0; halving < 6; ++halving) {
             for (int turn = 0; turn < 8 && tryAround(m_best, step); ++turn)
                 continue;
+            step *= 0.5;
+        }
     }
     bool tryAround(Move from, double step)
     {
         bool moved = false;
-        for (int k = 0; k < 27; ++k) {
-            const Move move = {from.x + step * (k % 3 - 1), from.y + step * (k / 3 % 3 - 1),
-                               from.grow + step * (k / 9 - 1)};
-            moved = tryMove(move) || moved;
-        }
+        for (const double grow : {-step, 0.0, step})
+            for (const double y : {-step, 0.0, step})
+                for (const double x : {-step, 0.0, step})
+                    moved = tryMove({from.x + x, from.y + y, from.grow + grow}) || moved;
         return moved;
     }
 

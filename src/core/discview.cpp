@@ -2,6 +2,8 @@
 
 #include "discpixels.h"
 
+#include <QtGlobal>
+
 #include <algorithm>
 #include <cmath>
 
@@ -21,7 +23,7 @@ std::vector<int> sampleLines(int count, int samples, double scale)
     lines.reserve(static_cast<std::size_t>(count) * static_cast<std::size_t>(samples));
     for (int i = 0; i < count; ++i)
         for (int k = 0; k < samples; ++k)
-            lines.push_back(static_cast<int>((i + (k + 0.5) / samples) * scale));
+            lines.push_back(static_cast<int>((i + (2 * k + 1) / (2.0 * samples)) * scale));
     return lines;
 }
 
@@ -47,16 +49,17 @@ void addRow(const QRgb *pixels, const std::vector<int> &columns, int samples, st
 
 Planes reducedColors(DiscPixels &photograph, int width, int height, double scale)
 {
-    const int samples = std::clamp(static_cast<int>(scale + 0.5), 1, mostSamples);
+    const int samples = std::clamp(qRound(scale), 1, mostSamples);
     const std::vector<int> columns = sampleLines(width, samples, scale);
     const std::vector<int> rows = sampleLines(height, samples, scale);
     const float share = 1.0F / static_cast<float>(samples * samples);
     Planes planes = {DiscPlane(width, height), DiscPlane(width, height), DiscPlane(width, height)};
     std::vector<int> sums(static_cast<std::size_t>(width) * 3);
+    auto row = rows.begin();
     for (int y = 0; y < height; ++y) {
         std::fill(sums.begin(), sums.end(), 0);
         for (int k = 0; k < samples; ++k)
-            addRow(photograph.row(rows[static_cast<std::size_t>(y * samples + k)]), columns, samples, sums);
+            addRow(photograph.row(*row++), columns, samples, sums);
         for (std::size_t channel = 0; channel < 3; ++channel)
             for (int x = 0; x < width; ++x)
                 planes[channel].at(x, y) =

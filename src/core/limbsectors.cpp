@@ -52,12 +52,12 @@ LimbProfile readProfile(LimbSource &source, const DiscCircle &circle, const Disc
 /// The offset of the least rest, between the tried ones by a parabola.
 double offsetOfLeast(const LimbRest &rest)
 {
-    const auto least = std::min_element(rest.begin(), rest.end());
+    const float *least = std::min_element(rest.begin(), rest.end());
     const auto j = static_cast<std::size_t>(least - rest.begin());
-    double place = static_cast<double>(j);
+    auto place = static_cast<double>(j);
     if (j > 0 && j + 1 < limbOffsets) {
-        const double before = static_cast<double>(rest[j - 1]);
-        const double after = static_cast<double>(rest[j + 1]);
+        const auto before = static_cast<double>(rest[j - 1]);
+        const auto after = static_cast<double>(rest[j + 1]);
         const double bend = before + after - 2.0 * static_cast<double>(*least);
         if (bend > 0.0)
             place += 0.5 * (before - after) / bend;

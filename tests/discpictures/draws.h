@@ -34,7 +34,7 @@ public:
     {
         const auto a = static_cast<quint32>(m_engine());
         const auto b = static_cast<quint32>(m_engine());
-        const double sum = static_cast<double>((a & 0xffffU) + (a >> 16) + (b & 0xffffU) + (b >> 16));
+        const auto sum = static_cast<double>((a & 0xffffU) + (a >> 16) + (b & 0xffffU) + (b >> 16));
         return (sum / 65536.0 - 2.0) * 1.7320508075688772;
     }
 

@@ -50,7 +50,8 @@ double Cloudiness::lattice(double x, double y, double z) const
         const int u = (ix + dx) & (side - 1);
         const int v = (iy + dy) & (side - 1);
         const int w = (iz + dz) & (side - 1);
-        return static_cast<double>(m_values[static_cast<std::size_t>((w * side + v) * side + u)]);
+        const int cellNumber = (w * side + v) * side + u;
+        return static_cast<double>(m_values[static_cast<std::size_t>(cellNumber)]);
     };
     const auto line = [&](int dy, int dz) { return value(0, dy, dz) * (1.0 - tx) + value(1, dy, dz) * tx; };
     const auto face = [&](int dz) { return line(0, dz) * (1.0 - ty) + line(1, dz) * ty; };
