@@ -9,6 +9,7 @@
 #include <QCommandLineParser>
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QTextStream>
 
 #include <algorithm>
@@ -200,6 +201,57 @@ void measure(const Options &options, std::vector<Contestant> &contestants)
     printCalibration(contestants.front());
 }
 
+/// A grey disc, a little grainy, on black.
+QRgb testPixel(int x, int y)
+{
+    const int dx = x - 2000;
+    const int dy = y - 1500;
+    const int grain = (x * 7 + y * 13) % 32;
+    return dx * dx + dy * dy < 1300 * 1300 ? qRgb(150 + grain, 150 + grain, 140) : qRgb(5, 5, 5);
+}
+
+/// A line of this process's status that holds kilobytes, or -1 where the system has none.
+int statusKilobytes(const QByteArray &key)
+{
+    QFile status("/proc/self/status");
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    for (const QByteArray &line : status.readAll().split('\n'))
+        if (line.startsWith(key))
+            return line.mid(key.size()).simplified().split(' ').first().toInt();
+    return -1;
+}
+
+/// Lets the peak of the memory in use start anew.
+void resetPeak()
+{
+    QFile file("/proc/self/clear_refs");
+    if (file.open(QIODevice::WriteOnly))
+        file.write("5");
+}
+
+/// How far one search raises the peak of the memory in use.
+void measureMemory()
+{
+    for (const QImage::Format format : {QImage::Format_RGB32, QImage::Format_Grayscale8}) {
+        QImage image(4000, 3000, format);
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (format == QImage::Format_RGB32)
+                    reinterpret_cast<QRgb *>(image.scanLine(y))[x] = testPixel(x, y);
+                else
+                    image.scanLine(y)[x] = uchar(qGray(testPixel(x, y)));
+        resetPeak();
+        const int before = statusKilobytes("VmHWM:");
+        const bool found = findDisc(image).has_value();
+        out() << QString("Memory for a search on 4000 x 3000, %1 bits a pixel: %2 MB (%3)")
+                     .arg(image.depth())
+                     .arg((statusKilobytes("VmHWM:") - before) / 1024.0, 0, 'f', 1)
+                     .arg(found ? "found" : "not found")
+              << Qt::endl;
+    }
+}
+
 /// Median processor time of a search on photographs of these sizes.
 void measureTime(const std::vector<Contestant> &contestants)
 {
@@ -264,6 +316,8 @@ int main(int argc, char **argv)
             {"HOUGH_GRADIENT_ALT", [](const QImage &image) { return houghDisc(image, true); }});
     }
 #endif
+    if (!parser.isSet(alone))
+        measureMemory();
     measure(options, contestants);
     if (!parser.isSet(alone))
         measureTime(contestants);

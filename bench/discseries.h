@@ -9,8 +9,8 @@
 
 class QTextStream;
 
-/// A photograph, reduced to 640 pixels a side, with the circle drawn on in red and its confidence as the file
-/// name cannot hold it: the thicker the line, the surer.
+/// A photograph, reduced to 640 pixels a side, with the circle drawn on in red: a thicker line above a confidence
+/// of 0.9.
 QImage markedPicture(const QImage &photograph, const std::optional<FoundDisc> &found);
 
 /// Writes a drifting series into a folder, searches each photograph and prints how far circles and landmarks are

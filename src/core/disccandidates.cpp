@@ -12,6 +12,7 @@ namespace
 {
 
 constexpr std::size_t mostCandidates = 10;
+constexpr double worthALook = 0.45; // of the best score
 
 /// Three points of a circle that is random but the same each time.
 struct Triple {
@@ -267,7 +268,8 @@ private:
         sortFound();
         std::vector<DiscCircle> result;
         for (const Scored &scored : different(mostCandidates))
-            result.push_back(scored.circle);
+            if (scored.score >= worthALook * m_found.front().score)
+                result.push_back(scored.circle);
         return result;
     }
 

@@ -107,6 +107,32 @@ double narrowHalfWidth(const LimbFit &fit)
     return std::max(3.0, 4.0 * fit.blur) + 0.025 * fit.circle.radius;
 }
 
+LimbFit scaled(LimbFit fit, double scale)
+{
+    fit.circle = {fit.circle.x * scale, fit.circle.y * scale, fit.circle.radius * scale};
+    fit.blur *= scale;
+    return fit;
+}
+
+/// Fits again in narrower profiles, the last time in the photograph itself. Narrow profiles place the limb better;
+/// but where noise leaves too little of it in them, the wider ones keep the word. In photograph pixels.
+LimbFit refined(DiscPixels &pixels, const DiscView &view, const LimbFit &rough)
+{
+    constexpr double stillGood = 0.7;
+    ViewSource viewSource(view.plane);
+    PhotographSource photographSource(pixels, view.axis);
+    LimbFit fit = rough;
+    const LimbFit medium = fitLimb(viewSource, fit.circle, 3.0 + 0.035 * fit.circle.radius, LimbEffort::Fine);
+    if (discMerit(medium) >= stillGood * discMerit(fit))
+        fit = medium;
+    const double halfWidth = narrowHalfWidth(fit) * view.scale;
+    fit = scaled(fit, view.scale);
+    const LimbFit narrow = view.scale > 1.0
+                               ? fitLimb(photographSource, fit.circle, halfWidth, LimbEffort::Fine)
+                               : fitLimb(viewSource, fit.circle, halfWidth, LimbEffort::Fine);
+    return discMerit(narrow) >= stillGood * discMerit(fit) ? narrow : fit;
+}
+
 } // namespace
 
 std::optional<FoundDisc> findDisc(const QImage &photograph)
@@ -119,16 +145,8 @@ std::optional<FoundDisc> findDisc(const QImage &photograph)
     const std::optional<LimbFit> rough = bestOfView(viewSource, candidateCircles(findEdges(view.plane)));
     if (!rough)
         return std::nullopt;
-    LimbFit fit = fitLimb(viewSource, rough->circle, 3.0 + 0.035 * rough->circle.radius, LimbEffort::Fine);
-    if (view.scale > 1.0) {
-        PhotographSource source(pixels, view.axis);
-        const DiscCircle scaled = {fit.circle.x * view.scale, fit.circle.y * view.scale,
-                                   fit.circle.radius * view.scale};
-        fit = fitLimb(source, scaled, narrowHalfWidth(fit) * view.scale, LimbEffort::Fine);
-    } else {
-        fit = fitLimb(viewSource, fit.circle, narrowHalfWidth(fit), LimbEffort::Fine);
-    }
-    if (discMerit(fit) < leastDiscMerit)
+    const LimbFit fit = refined(pixels, view, *rough);
+    if (!isDisc(fit))
         return std::nullopt;
     return FoundDisc{fit.circle.x, fit.circle.y, fit.circle.radius, discConfidence(fit)};
 }

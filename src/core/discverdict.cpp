@@ -13,6 +13,17 @@ double discMerit(const LimbFit &fit)
     return std::clamp(seen * oneWay * fit.clear * fit.clear / roughness, 0.0, 1.0);
 }
 
+bool isDisc(const LimbFit &fit)
+{
+    constexpr double leastVisible = 0.5;     // less than that is any arc
+    constexpr double leastMerit = 0.25;      // discs reach it, and other things hardly ever do
+    constexpr double meritOfItself = 0.4;    // above it, doubts about the place do not count
+    constexpr double leastConfidence = 0.06; // a limb so rough is none
+    const double merit = discMerit(fit);
+    return fit.visible >= leastVisible && merit >= leastMerit &&
+           (merit >= meritOfItself || discConfidence(fit) >= leastConfidence);
+}
+
 double discConfidence(const LimbFit &fit)
 {
     // Knots of evidence and confidence, measured on drawn photographs; straight lines between them.

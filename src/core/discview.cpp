@@ -27,23 +27,25 @@ std::vector<int> sampleLines(int count, int samples, double scale)
     return lines;
 }
 
-/// Adds the pixels of one row of the photograph to the sums of one row of the view.
-void addRow(const QRgb *pixels, const std::vector<int> &columns, int samples, std::vector<int> &sums)
+/// Sums of the pixels under a row of the view. Red and blue share a word: a few pixels fit into 16 bits.
+struct RowSums {
+    std::vector<quint32> redBlue;
+    std::vector<quint32> green;
+};
+
+void addRow(const QRgb *pixels, const std::vector<int> &columns, int samples, RowSums &sums)
 {
     const int *column = columns.data();
-    for (std::size_t cell = 0; cell < sums.size(); cell += 3) {
-        int red = 0;
-        int green = 0;
-        int blue = 0;
+    for (std::size_t cell = 0; cell < sums.green.size(); ++cell) {
+        quint32 redBlue = 0;
+        quint32 green = 0;
         for (int k = 0; k < samples; ++k) {
             const QRgb pixel = pixels[*column++];
-            red += qRed(pixel);
-            green += qGreen(pixel);
-            blue += qBlue(pixel);
+            redBlue += pixel & 0x00ff00ffU;
+            green += pixel & 0x0000ff00U;
         }
-        sums[cell] += red;
-        sums[cell + 1] += green;
-        sums[cell + 2] += blue;
+        sums.redBlue[cell] += redBlue;
+        sums.green[cell] += green >> 8;
     }
 }
 
@@ -54,53 +56,46 @@ Planes reducedColors(DiscPixels &photograph, int width, int height, double scale
     const std::vector<int> rows = sampleLines(height, samples, scale);
     const float share = 1.0F / static_cast<float>(samples * samples);
     Planes planes = {DiscPlane(width, height), DiscPlane(width, height), DiscPlane(width, height)};
-    std::vector<int> sums(static_cast<std::size_t>(width) * 3);
+    const auto cells = static_cast<std::size_t>(width);
+    RowSums sums;
     auto row = rows.begin();
     for (int y = 0; y < height; ++y) {
-        std::fill(sums.begin(), sums.end(), 0);
+        sums.redBlue.assign(cells, 0);
+        sums.green.assign(cells, 0);
         for (int k = 0; k < samples; ++k)
             addRow(photograph.row(*row++), columns, samples, sums);
-        for (std::size_t channel = 0; channel < 3; ++channel)
-            for (int x = 0; x < width; ++x)
-                planes[channel].at(x, y) =
-                    static_cast<float>(sums[static_cast<std::size_t>(x) * 3 + channel]) * share;
+        const std::size_t first = planes[0].index(0, y);
+        for (std::size_t cell = 0; cell < cells; ++cell) {
+            planes[0].values[first + cell] = static_cast<float>(sums.redBlue[cell] >> 16) * share;
+            planes[1].values[first + cell] = static_cast<float>(sums.green[cell]) * share;
+            planes[2].values[first + cell] = static_cast<float>(sums.redBlue[cell] & 0xffffU) * share;
+        }
     }
     return planes;
 }
 
-/// The median along the frame: mostly sky.
-float frameMedian(const DiscPlane &plane)
-{
-    std::vector<float> frame;
-    const int depth = std::max(1, std::min(plane.width, plane.height) / 40);
-    for (int y = 0; y < plane.height; ++y) {
-        const bool isWhole = y < depth || y >= plane.height - depth;
-        const int sides = isWhole ? plane.width : depth;
-        const float *row = &plane.values[plane.index(0, y)];
-        frame.insert(frame.end(), row, row + sides);
-        if (!isWhole)
-            frame.insert(frame.end(), row + plane.width - depth, row + plane.width);
-    }
-    const auto middle = frame.begin() + static_cast<std::ptrdiff_t>(frame.size() / 2);
-    std::nth_element(frame.begin(), middle, frame.end());
-    return *middle;
-}
-
-/// The direction in which the colours differ most from the sky's. Found by multiplying a vector with the matrix
-/// of their products again and again; it starts from grey, which remains where nothing differs.
+/// The direction in which neighbouring colours differ most, a few pixels apart: across the limb, while a sloping
+/// sky changes little over such a distance. Found by multiplying a vector with the matrix of the differences'
+/// products again and again; it starts from grey, which remains where nothing differs.
 ColorAxis strongestAxis(const Planes &planes)
 {
-    std::array<float, 3> sky{};
-    for (std::size_t i = 0; i < 3; ++i)
-        sky[i] = frameMedian(planes[i]);
+    constexpr int apart = 12;
+    constexpr int every = 3;
     std::array<std::array<double, 3>, 3> products{};
-    for (std::size_t p = 0; p < planes[0].values.size(); p += 7) {
+    const auto addDifference = [&](std::size_t p, std::size_t q) {
         std::array<double, 3> difference{};
         for (std::size_t i = 0; i < 3; ++i)
-            difference[i] = static_cast<double>(planes[i].values[p] - sky[i]);
+            difference[i] = static_cast<double>(planes[i].values[p] - planes[i].values[q]);
         for (std::size_t i = 0; i < 3; ++i)
             for (std::size_t j = 0; j < 3; ++j)
                 products[i][j] += difference[i] * difference[j];
+    };
+    const DiscPlane &plane = planes[0];
+    for (int y = 0; y + apart < plane.height; y += every) {
+        for (int x = 0; x + apart < plane.width; x += every) {
+            addDifference(plane.index(x, y), plane.index(x + apart, y));
+            addDifference(plane.index(x, y), plane.index(x, y + apart));
+        }
     }
     std::array<double, 3> axis = {1.0, 1.0, 1.0};
     for (int turn = 0; turn < 24; ++turn) {

@@ -37,15 +37,14 @@ struct DiscPicture {
 /// @param longestSide  of the photograph, 300 or more; most are smaller
 DiscPicture discPicture(PictureKind kind, quint32 seed, int longestSide);
 
-/// A series of photographs of one globe, 1280 x 960: the disc wanders by 5 % of the radius and breathes by 2 %,
-/// the phase is 40 degrees, and the spots stand where the globe shows them from this distance.
+/// A series of photographs of one globe seen from afar, 1280 x 960: the disc wanders by 5 % of the radius and
+/// breathes by 2 %, the phase is 40 degrees, and its ground stays the same.
 class DiscSeries
 {
 public:
     explicit DiscSeries(quint32 seed);
 
     static constexpr int frameCount = 60;
-    static constexpr double distance = 20.0; ///< of the viewer from the globe's centre, globe radii
 
     /// @param number  0 .. frameCount - 1
     DiscPicture frame(int number) const;
