@@ -287,7 +287,7 @@ int main(int argc, char **argv)
     QCoreApplication app(argc, argv);
     QCommandLineParser parser;
     parser.addHelpOption();
-    const QCommandLineOption seed("seed", "First seed.", "number", "1000000");
+    const QCommandLineOption seed("seed", "First seed.", "number", "2000000");
     const QCommandLineOption number("count", "Pictures of each kind.", "number", "130");
     const QCommandLineOption side("side", "Longest side of a picture.", "pixels", "4000");
     const QCommandLineOption save("save", "Writes every picture, with the circle found.", "folder");

@@ -29,22 +29,37 @@ private:
     const DiscPlane &m_plane;
 };
 
+/// The part of the photograph that the view shows.
 class PhotographSource : public LimbSource
 {
 public:
-    PhotographSource(DiscPixels &pixels, const ColorAxis &axis) : m_pixels(pixels), m_axis(axis) {}
-    int width() const override { return m_pixels.width(); }
-    int height() const override { return m_pixels.height(); }
+    PhotographSource(DiscPixels &pixels, const DiscView &view)
+        : m_pixels(pixels)
+        , m_axis(view.axis)
+        , m_left(qRound(view.left * view.scale))
+        , m_top(qRound(view.top * view.scale))
+        , m_width(std::min(qRound(view.plane.width * view.scale), pixels.width() - m_left))
+        , m_height(std::min(qRound(view.plane.height * view.scale), pixels.height() - m_top))
+    {
+    }
+    int left() const { return m_left; }
+    int top() const { return m_top; }
+    int width() const override { return m_width; }
+    int height() const override { return m_height; }
     float at(int x, int y) override
     {
-        const QRgb pixel = m_pixels.at(x, y);
+        const QRgb pixel = m_pixels.at(x + m_left, y + m_top);
         return static_cast<float>(qRed(pixel)) * m_axis[0] + static_cast<float>(qGreen(pixel)) * m_axis[1] +
                static_cast<float>(qBlue(pixel)) * m_axis[2];
     }
 
 private:
     DiscPixels &m_pixels;
-    const ColorAxis &m_axis;
+    const ColorAxis m_axis;
+    const int m_left;
+    const int m_top;
+    const int m_width;
+    const int m_height;
 };
 
 LimbFit wideFit(LimbSource &view, const DiscCircle &circle)
@@ -107,30 +122,35 @@ double narrowHalfWidth(const LimbFit &fit)
     return std::max(3.0, 4.0 * fit.blur) + 0.025 * fit.circle.radius;
 }
 
-LimbFit scaled(LimbFit fit, double scale)
+LimbFit betterOf(const LimbFit &wide, const LimbFit &narrow)
 {
-    fit.circle = {fit.circle.x * scale, fit.circle.y * scale, fit.circle.radius * scale};
-    fit.blur *= scale;
-    return fit;
+    constexpr double stillGood = 0.7;
+    return discMerit(narrow) >= stillGood * discMerit(wide) ? narrow : wide;
 }
 
 /// Fits again in narrower profiles, the last time in the photograph itself. Narrow profiles place the limb better;
 /// but where noise leaves too little of it in them, the wider ones keep the word. In photograph pixels.
 LimbFit refined(DiscPixels &pixels, const DiscView &view, const LimbFit &rough)
 {
-    constexpr double stillGood = 0.7;
     ViewSource viewSource(view.plane);
-    PhotographSource photographSource(pixels, view.axis);
-    LimbFit fit = rough;
-    const LimbFit medium = fitLimb(viewSource, fit.circle, 3.0 + 0.035 * fit.circle.radius, LimbEffort::Fine);
-    if (discMerit(medium) >= stillGood * discMerit(fit))
-        fit = medium;
-    const double halfWidth = narrowHalfWidth(fit) * view.scale;
-    fit = scaled(fit, view.scale);
-    const LimbFit narrow = view.scale > 1.0
-                               ? fitLimb(photographSource, fit.circle, halfWidth, LimbEffort::Fine)
-                               : fitLimb(viewSource, fit.circle, halfWidth, LimbEffort::Fine);
-    return discMerit(narrow) >= stillGood * discMerit(fit) ? narrow : fit;
+    const double mediumHalfWidth = 3.0 + 0.035 * rough.circle.radius;
+    LimbFit fit = betterOf(rough, fitLimb(viewSource, rough.circle, mediumHalfWidth, LimbEffort::Fine));
+    const double halfWidth = narrowHalfWidth(fit);
+    if (view.scale <= 1.0) {
+        fit = betterOf(fit, fitLimb(viewSource, fit.circle, halfWidth, LimbEffort::Fine));
+        fit.circle.x += view.left;
+        fit.circle.y += view.top;
+        return fit;
+    }
+    PhotographSource source(pixels, view);
+    fit.circle.x = (fit.circle.x + view.left) * view.scale - source.left();
+    fit.circle.y = (fit.circle.y + view.top) * view.scale - source.top();
+    fit.circle.radius *= view.scale;
+    fit.blur *= view.scale;
+    fit = betterOf(fit, fitLimb(source, fit.circle, halfWidth * view.scale, LimbEffort::Fine));
+    fit.circle.x += source.left();
+    fit.circle.y += source.top();
+    return fit;
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "discview.h"
 
 #include "discpixels.h"
+#include "framestripes.h"
 
 #include <QtGlobal>
 
@@ -113,6 +114,15 @@ ColorAxis strongestAxis(const Planes &planes)
             static_cast<float>(axis[2] / length)};
 }
 
+DiscPlane part(const DiscPlane &whole, const QRect &place)
+{
+    DiscPlane result(place.width(), place.height());
+    for (int y = 0; y < result.height; ++y)
+        std::copy_n(&whole.values[whole.index(place.left(), place.top() + y)], result.width,
+                    &result.values[result.index(0, y)]);
+    return result;
+}
+
 } // namespace
 
 DiscView reducedView(DiscPixels &photograph)
@@ -126,9 +136,15 @@ DiscView reducedView(DiscPixels &photograph)
         return view;
     const Planes planes = reducedColors(photograph, width, height, view.scale);
     view.axis = strongestAxis(planes);
-    view.plane = DiscPlane(width, height);
-    for (std::size_t p = 0; p < view.plane.values.size(); ++p)
-        view.plane.values[p] = planes[0].values[p] * view.axis[0] + planes[1].values[p] * view.axis[1] +
-                               planes[2].values[p] * view.axis[2];
+    DiscPlane whole(width, height);
+    for (std::size_t p = 0; p < whole.values.size(); ++p)
+        whole.values[p] = planes[0].values[p] * view.axis[0] + planes[1].values[p] * view.axis[1] +
+                          planes[2].values[p] * view.axis[2];
+    const QRect inside = insideStripes(whole);
+    if (inside.width() < shortestSide || inside.height() < shortestSide)
+        return view;
+    view.left = inside.left();
+    view.top = inside.top();
+    view.plane = part(whole, inside);
     return view;
 }

@@ -30,9 +30,11 @@ struct DiscPlane {
 /// How red, green and blue add up to the one value that tells disc and sky apart best; unit length.
 using ColorAxis = std::array<float, 3>;
 
-/// A photograph reduced for the search.
+/// A photograph reduced for the search, captions and borders cut off.
 struct DiscView {
     DiscPlane plane;    ///< at most 600 pixels a side; empty when the photograph is too narrow for a search
+    int left = 0;       ///< pixels of the view that were cut off on the left
+    int top = 0;        ///< and above
     double scale = 1.0; ///< photograph pixels for one of the view, 1 or more
     ColorAxis axis{};
 };
