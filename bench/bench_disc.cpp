@@ -52,7 +52,6 @@ Demand demandFor(PictureKind kind)
 {
     switch (kind) {
     case PictureKind::Whole:
-        return {0.01, 0.005, "0.90"};
     case PictureKind::Marked:
         return {0.01, 0.005, "0.90"};
     case PictureKind::BrightSky:

@@ -114,7 +114,7 @@ double chooseBlur(LimbSectors &read, double radius, LimbEffort effort)
 
 double LimbSector::cost(double offset, double samples) const
 {
-    constexpr double last = static_cast<double>(limbOffsets - 1);
+    constexpr auto last = static_cast<double>(limbOffsets - 1);
     const double place = std::clamp(2.0 * offset + 0.5 * last, 0.0, last - 0.001);
     const auto index = static_cast<std::size_t>(place);
     const double share = place - static_cast<double>(index);
