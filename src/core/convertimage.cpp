@@ -5,10 +5,10 @@
 #include "rotatedmap.h"
 
 #include <QColor>
-#include <QCoreApplication>
-#include <QDebug>
 #include <QImage>
 #include <QPainter>
+
+#include <utility>
 
 using namespace projection;
 
@@ -43,7 +43,8 @@ void paintRow(const NearSidedPerspective &perspective, const QImage &src,
 
 } // namespace
 
-ConvertImage::ConvertImage(const projection::PerspectiveParameters &parameters) : m_parameters(parameters)
+ConvertImage::ConvertImage(const projection::PerspectiveParameters &parameters, ConversionListener listener)
+    : m_parameters(parameters), m_listener(std::move(listener))
 {
 }
 
@@ -84,9 +85,11 @@ void ConvertImage::convertImage(QImage &src, QImage &dst)
             errors += countRowSamples(perspective, rho, dst.width());
         else if (half - 1 - k < dst.height())
             paintRow(perspective, src, directions, rho, dst, int(half - 1 - k));
-        QCoreApplication::processEvents();
+        if (m_listener.rowDone)
+            m_listener.rowDone();
     }
-    qDebug() << "Convert error " << errors;
+    if (m_listener.samplesCounted)
+        m_listener.samplesCounted(errors);
 }
 
 void ConvertImage::rotateImage(int axis, int angle, QImage &src, QImage &dst)

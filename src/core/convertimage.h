@@ -1,5 +1,6 @@
 #pragma once
 
+#include "conversionlistener.h"
 #include "nearsidedperspective.h"
 
 class QImage;
@@ -13,7 +14,9 @@ class ConvertImage
 public:
     ConvertImage() = default;
     /// All parameters at once; the size of the photograph is taken from the photograph.
-    explicit ConvertImage(const projection::PerspectiveParameters &parameters);
+    /// @param listener  hears of convertImage()
+    explicit ConvertImage(const projection::PerspectiveParameters &parameters,
+                          ConversionListener listener = windowListener());
 
     /// Centre of the disc in the photograph, in pixels; y grows downwards. Any int; 0, 0 at construction.
     void setCenter(int x, int y);
@@ -28,8 +31,8 @@ public:
     void setOutputRatio(double rx, double ry);
 
     /// Paints the visible cap into the upper half of a map: the disc centre becomes the top row, longitude
-    /// -180 the rightmost column. Handles pending events after every row and ends with the debug line
-    /// "Convert error " and the number of samples that lay above the top of the map.
+    /// -180 the rightmost column. The listener hears of every row; that of a window, which it has unless another
+    /// one is given, handles pending events then.
     /// @param src  the photograph, 32 bits; samples outside it leave their map pixel as it is
     /// @param dst  the canvas, 32 bits with alpha; neither resized nor filled
     void convertImage(QImage &src, QImage &dst);
@@ -53,4 +56,5 @@ public:
 
 private:
     projection::PerspectiveParameters m_parameters;
+    ConversionListener m_listener = windowListener();
 };

@@ -5,9 +5,6 @@
 #include "integers.h"
 #include "qimageview.h"
 
-#include <QCoreApplication>
-#include <QDebug>
-
 #include <cstdlib>
 #include <limits>
 #include <optional>
@@ -82,10 +79,11 @@ std::optional<projection::MapRotation> composedRotation(const MapParameters &par
                                    *longitudeShift};
 }
 
-/// The whole chain in one pass. Events are handled between the rows of the map, as often as the projection
-/// step would.
+/// The whole chain in one pass. The listener hears between the rows of the map of as many rows as the projection
+/// step would have.
 /// @return nothing where this way does not cover the parameters; a null image when there is no memory
-std::optional<QImage> composedMap(const QImage &photograph, const MapParameters &parameters)
+std::optional<QImage> composedMap(const QImage &photograph, const MapParameters &parameters,
+                                  const ConversionListener &listener)
 {
     const std::optional<projection::MapRotation> rotation = composedRotation(parameters);
     if (!rotation)
@@ -93,26 +91,28 @@ std::optional<QImage> composedMap(const QImage &photograph, const MapParameters 
     QImage map = transparentCanvas({parameters.outputSizeX, parameters.outputSizeY});
     if (map.isNull())
         return map;
-    int handled = 0;
-    const auto handleEvents = [&](int projectedRows) {
-        for (; handled < projectedRows; ++handled)
-            QCoreApplication::processEvents();
+    int told = 0;
+    const auto tellRows = [&](int projectedRows) {
+        for (; listener.rowDone && told < projectedRows; ++told)
+            listener.rowDone();
     };
     const projection::NearSidedPerspective perspective(perspectiveParameters(parameters, photograph.size()));
-    if (!paintComposedMap(perspective, photographView(photograph), *rotation, canvasView(map), handleEvents))
+    if (!paintComposedMap(perspective, photographView(photograph), *rotation, canvasView(map), tellRows))
         return {};
-    qDebug() << "Convert error " << qint64(0); // no row of the chain lies above its map
+    if (listener.samplesCounted)
+        listener.samplesCounted(0); // no row of the chain lies above its map
     return map;
 }
 
 /// The whole chain, one operation after the other: right for everything.
-QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthStep azimuthStep)
+QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthStep azimuthStep,
+                  const ConversionListener &listener)
 {
     const QSize size(parameters.outputSizeX, parameters.outputSizeY);
     QImage map = transparentCanvas(size);
     if (map.isNull())
         return {};
-    ConvertImage engine(perspectiveParameters(parameters, source.size()));
+    ConvertImage engine(perspectiveParameters(parameters, source.size()), listener);
     engine.convertImage(source, map);
 
     if (parameters.azimuth != 0.0) {
@@ -145,7 +145,8 @@ QImage chainedMap(QImage source, const MapParameters &parameters, AzimuthStep az
 
 } // namespace
 
-QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthStep azimuthStep)
+QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthStep azimuthStep,
+                    const ConversionListener &listener)
 {
     if (photograph.isNull())
         return {};
@@ -153,8 +154,8 @@ QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthS
     if (source.isNull())
         return {};
     if (parameters.azimuth == 0.0 || azimuthStep == AzimuthStep::Rotates) {
-        if (const std::optional<QImage> map = composedMap(source, parameters))
+        if (const std::optional<QImage> map = composedMap(source, parameters, listener))
             return *map;
     }
-    return chainedMap(source, parameters, azimuthStep);
+    return chainedMap(source, parameters, azimuthStep, listener);
 }

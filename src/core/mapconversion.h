@@ -1,5 +1,6 @@
 #pragma once
 
+#include "conversionlistener.h"
 #include "nearsidedperspective.h"
 
 #include <QImage>
@@ -37,12 +38,14 @@ OutputRatio outputRatio(QSize photographSize, QSize outputSize);
 projection::PerspectiveParameters perspectiveParameters(const MapParameters &parameters,
                                                         QSize photographSize);
 
-/// The whole chain: globe to map, azimuth, latitude, longitude. Handles events while it runs; reads nothing
-/// but its own copies of its arguments, so whatever an event changes does no harm.
-/// @param photograph  any format; null gives a null map; not read any more once events are handled
+/// The whole chain: globe to map, azimuth, latitude, longitude. Reads nothing but its own copies of its
+/// arguments, so whatever an event that the listener handles changes does no harm. Any number of threads may
+/// convert at the same time, with listeners that bear it.
+/// @param photograph  any format; null gives a null map; not read any more once the listener is called
 /// @param parameters  any values; an azimuth or a longitude that is no number leaves the map blank
 /// @return a map of the output size, premultiplied 32 bits, transparent where nothing was painted; null
 ///         when a canvas cannot be allocated (also for sizes of 0 or less), or when the azimuth step emptied the map
 ///         and no later step brings a canvas
 QImage convertToMap(const QImage &photograph, MapParameters parameters,
-                    AzimuthStep azimuthStep = AzimuthStep::Rotates);
+                    AzimuthStep azimuthStep = AzimuthStep::Rotates,
+                    const ConversionListener &listener = windowListener());

@@ -115,6 +115,8 @@ private slots:
     void convertsSixteenBitChannels();
     void leavesThePhotographAlone();
     void changesDuringEventsChangeNothing();
+    void tellsItsListenerAlone_data();
+    void tellsItsListenerAlone();
     void nullPhotographGivesNullMap();
     void impossibleSizesGiveNullMaps_data();
     void impossibleSizesGiveNullMaps();
@@ -339,6 +341,34 @@ void tst_MapConversion::convertsSixteenBitChannels()
     rotated.longitude = 139;
     for (const MapParameters &p : {projectionOnly(), rotated})
         COMPARE_IMAGES(convertToMap(deep, p), convertToMap(deep.convertToFormat(QImage::Format_ARGB32), p));
+}
+
+void tst_MapConversion::tellsItsListenerAlone_data()
+{
+    QTest::addColumn<double>("latitude");
+    QTest::newRow("in one pass") << 35.0;
+    QTest::newRow("one operation after the other") << 90.0;
+}
+
+void tst_MapConversion::tellsItsListenerAlone()
+{
+    QFETCH(double, latitude);
+    MapParameters p = projectionOnly();
+    p.latitude = latitude;
+    const QImage expected = convert(p);
+    bool handled = false;
+    QTimer::singleShot(0, this, [&] { handled = true; });
+    const MessageCollector log;
+    COMPARE_IMAGES(convertToMap(photograph(), p, AzimuthStep::Rotates, {}), expected);
+    int rows = 0;
+    QVector<qint64> samples;
+    const ConversionListener listener{[&] { ++rows; }, [&](qint64 count) { samples.append(count); }};
+    COMPARE_IMAGES(convertToMap(photograph(), p, AzimuthStep::Rotates, listener), expected);
+    QVERIFY2(rows > 20 && rows <= 32, qPrintable(QString::number(rows)));
+    QCOMPARE(samples, QVector<qint64>{0});
+    QCOMPARE(log.messages(), QStringList());
+    QVERIFY(!handled);
+    QTRY_VERIFY(handled);
 }
 
 void tst_MapConversion::leavesThePhotographAlone()

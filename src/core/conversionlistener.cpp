@@ -1,0 +1,10 @@
+#include "conversionlistener.h"
+
+#include <QCoreApplication>
+#include <QDebug>
+
+ConversionListener windowListener()
+{
+    return {[] { QCoreApplication::processEvents(); },
+            [](qint64 samples) { qDebug() << "Convert error " << samples; }};
+}
