@@ -70,6 +70,11 @@ void ConvertImage::setOutputRatio(double rx, double ry)
     m_parameters.ratioY = ry;
 }
 
+void ConvertImage::setLens(Lens lens)
+{
+    m_parameters.lens = lens;
+}
+
 void ConvertImage::convertImage(QImage &src, QImage &dst)
 {
     PerspectiveParameters parameters = m_parameters;

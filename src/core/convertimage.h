@@ -29,6 +29,8 @@ public:
     /// Map columns for 360 degrees per photograph column, and map rows for 90 degrees per photograph row.
     /// 2, 2 at construction.
     void setOutputRatio(double rx, double ry);
+    /// Whether radii near the edge of the disc are corrected; they are at construction.
+    void setLens(projection::Lens lens);
 
     /// Paints the visible cap into the upper half of a map: the disc centre becomes the top row, longitude
     /// -180 the rightmost column. The listener hears of every row; that of a window, which it has unless another

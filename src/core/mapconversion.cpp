@@ -27,6 +27,7 @@ projection::PerspectiveParameters perspectiveParameters(const MapParameters &par
     result.ratioY = ratio.y;
     result.photographWidth = photographSize.width();
     result.photographHeight = photographSize.height();
+    result.lens = parameters.lens;
     return result;
 }
 

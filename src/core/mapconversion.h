@@ -16,6 +16,7 @@ struct MapParameters {
     double latitude = 0.0;   ///< centre of the finished map, degrees; used in whole degrees, truncated
     double longitude = 0.0;  ///< centre of the finished map, degrees
     double azimuth = 0.0;    ///< rotation about the disc centre, degrees
+    projection::Lens lens = projection::Lens::Corrected;
 };
 
 /// What the azimuth step does with a map when the azimuth is not 0.

@@ -62,7 +62,8 @@ double NearSidedPerspective::radius(int64_t k) const
     const double rows = m_parameters.ratioY * m_parameters.photographHeight;
     const double phi = (90 - static_cast<double>(k) * 90 / rows) * radiansPerDegree;
     const double tangent = std::tan(std::atan(std::sin(phi) / (m_parameters.distance - std::cos(phi))));
-    return RadialCorrection(m_tangentToPixels)(tangent * m_tangentToPixels);
+    const double rho = tangent * m_tangentToPixels;
+    return m_parameters.lens == Lens::None ? rho : RadialCorrection(m_tangentToPixels)(rho);
 }
 
 CosineSine NearSidedPerspective::direction(int x, int mapWidth) const

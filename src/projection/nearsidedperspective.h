@@ -8,6 +8,12 @@
 namespace projection
 {
 
+/// What becomes of radii near the edge of the disc; docs/projection.md, "Radius".
+enum class Lens {
+    Corrected, ///< drawn inwards, as the lens of the camera does that the correction was made for
+    None,      ///< as the perspective alone has them
+};
+
 /// Where a disc lies in a photograph and how large the map is: everything that the perspective depends on.
 /// Lengths are pixels; formulas and letters: docs/projection.md. No value is checked.
 struct PerspectiveParameters {
@@ -20,6 +26,7 @@ struct PerspectiveParameters {
     double margin = 0.01;    ///< safety margin at the visible edge, fraction of the rows of 90 degrees
     int photographWidth = 0;
     int photographHeight = 0;
+    Lens lens = Lens::Corrected;
 };
 
 /// The near-sided perspective: a sphere seen from a finite distance, straight down on its pole. Tells where in

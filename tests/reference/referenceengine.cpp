@@ -90,7 +90,7 @@ qint64 reference::paintGlobe(const QImage &photograph, QImage &map, const Globe 
         const double t = std::tan(std::atan(std::sin(phi) / (d - std::cos(phi))));
         const double rho = t * K;
         double rho2 = 0;
-        if (rho < A)
+        if (rho < A || !globe.lensCorrected)
             rho2 = rho;
         else if (rho < B)
             rho2 = (rho - A) * 0.9 + A;
@@ -204,6 +204,7 @@ QImage reference::convert(const QImage &photograph, const Conversion &conversion
     globe.centerY = conversion.centerY;
     globe.radius = conversion.radius;
     globe.distance = conversion.distance;
+    globe.lensCorrected = conversion.lensCorrected;
     globe.ratioX = static_cast<double>(width) / photograph.width();
     globe.ratioY = height * 0.5 / photograph.height();
 

@@ -9,12 +9,13 @@ namespace reference
 
 /// How the photograph shows the globe, and how its pixels relate to those of the map.
 struct Globe {
-    int centerX = 0;         ///< disc centre, photograph pixels, any int
-    int centerY = 0;         ///< disc centre, photograph pixels, downwards, any int
-    int radius = 0;          ///< disc radius, photograph pixels, any int
-    double distance = 100.0; ///< viewpoint to globe centre, globe radii; 1 or less and NaN show nothing
-    double ratioX = 2.0;     ///< map columns of 360 degrees per photograph column
-    double ratioY = 2.0;     ///< map rows of 90 degrees per photograph row
+    int centerX = 0;           ///< disc centre, photograph pixels, any int
+    int centerY = 0;           ///< disc centre, photograph pixels, downwards, any int
+    int radius = 0;            ///< disc radius, photograph pixels, any int
+    double distance = 100.0;   ///< viewpoint to globe centre, globe radii; 1 or less and NaN show nothing
+    double ratioX = 2.0;       ///< map columns of 360 degrees per photograph column
+    double ratioY = 2.0;       ///< map rows of 90 degrees per photograph row
+    bool lensCorrected = true; ///< false: the perspective alone, up to the edge of the disc
 };
 
 /// Everything that one finished map depends on, apart from the photograph.
@@ -29,6 +30,7 @@ struct Conversion {
     double longitude = 0.0;       ///< degrees
     double azimuth = 0.0;         ///< degrees
     bool azimuthHasCanvas = true; ///< false: the azimuth step has nothing to draw on and leaves an empty map
+    bool lensCorrected = true;    ///< see Globe
 };
 
 /// Paints the visible cap of the globe into the upper half of the map.

@@ -50,5 +50,6 @@ inline QImage referenceMap(const QImage &photograph, const MapParameters &parame
     conversion.longitude = parameters.longitude;
     conversion.azimuth = parameters.azimuth;
     conversion.azimuthHasCanvas = azimuthStep == AzimuthStep::Rotates;
+    conversion.lensCorrected = parameters.lens == projection::Lens::Corrected;
     return reference::convert(photograph, conversion);
 }

@@ -85,6 +85,7 @@ Case anyCase(Rng &rng, int photographSide, QSize largestMap)
     p.latitude = rng.oneIn(4) ? rng.real(-400, 400) : rng.between(-180, 180);
     p.longitude = rng.oneIn(4) ? rng.real(-720, 720) : rng.between(-180, 180);
     p.azimuth = rng.oneIn(3) ? 0 : rng.oneIn(2) ? rng.real(-400, 400) : rng.between(-180, 180);
+    p.lens = rng.oneIn(3) ? Lens::None : Lens::Corrected;
     return c;
 }
 

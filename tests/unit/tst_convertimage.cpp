@@ -71,6 +71,7 @@ private slots:
     void looksInTheRightDirection();
     void drawsTheOuterDiscInwardsNearTheGlobe_data();
     void drawsTheOuterDiscInwardsNearTheGlobe();
+    void drawsTheOuterDiscAsSeenWithoutALens();
     void leavesPixelsBesideThePhotograph();
     void countsSamplesAboveTheTop_data();
     void countsSamplesAboveTheTop();
@@ -227,6 +228,25 @@ void tst_ConvertImage::drawsTheOuterDiscInwardsNearTheGlobe()
     QImage map = canvas({2, 1024});
     paint(locatedPhotograph({2001, 1}), map, {0, 0, 2000, distance});
     QCOMPARE(map.pixelColor(0, row), QColor(offset / 256, offset % 256, 0));
+}
+
+void tst_ConvertImage::drawsTheOuterDiscAsSeenWithoutALens()
+{
+    ConvertImage engine;
+    engine.setCenter(0, 0);
+    engine.setRadius(2000);
+    engine.setDistance(6.6);
+    engine.setLens(projection::Lens::None);
+    QImage photograph = locatedPhotograph({2001, 1});
+    engine.setOutputRatio(2.0 / photograph.width(), 512.0 / photograph.height());
+    QImage map = canvas({2, 1024});
+    const MessageCollector silent;
+    engine.convertImage(photograph, map);
+    // The offsets above that the correction shortens, as the perspective alone has them.
+    const QVector<QPair<int, int>> offsets = {
+        {200, 1304}, {300, 1735}, {350, 1875}, {400, 1962}, {457, 1999}};
+    for (const auto &[row, offset] : offsets)
+        QCOMPARE(map.pixelColor(0, row), colourOf(offset, 0));
 }
 
 void tst_ConvertImage::leavesPixelsBesideThePhotograph()
