@@ -39,6 +39,11 @@ QStringList newestFirst(const QStringList &paths)
 
 } // namespace
 
+QString proposedName(const QString &inputPath, const QString &extension)
+{
+    return "OV-" + QFileInfo(inputPath).baseName() + '.' + extension;
+}
+
 QStringList orderedInputs(const QStringList &paths, int sortType)
 {
     if (sortType == SortByModified)

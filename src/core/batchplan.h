@@ -9,6 +9,10 @@ enum BatchSortType {
     SortByModified = 1, ///< last-modified time, newest first; equal times in any order
 };
 
+/// The file name that is proposed for the map of a single photograph, beside it: "OV-", the photograph's name up
+/// to its first dot, and the extension.
+QString proposedName(const QString &inputPath, const QString &extension);
+
 /// The inputs in processing order. Any sort type but the two above leaves the list as it is.
 QStringList orderedInputs(const QStringList &paths, int sortType);
 

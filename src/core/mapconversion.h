@@ -1,21 +1,27 @@
 #pragma once
 
 #include "conversionlistener.h"
+#include "mapvalues.h"
 #include "nearsidedperspective.h"
 
 #include <QImage>
 
 /// Everything that turns a photograph into a finished map. Any value is allowed; none is clamped.
 struct MapParameters {
-    int centerX = 0;         ///< disc centre, photograph pixels
-    int centerY = 0;         ///< disc centre, photograph pixels, downwards
-    int radius = 0;          ///< disc radius, photograph pixels
-    double distance = 100.0; ///< viewpoint to globe centre, globe radii
-    int outputSizeX = 2048;  ///< map width, pixels
-    int outputSizeY = 1024;  ///< map height, pixels
-    double latitude = 0.0;   ///< centre of the finished map, degrees; used in whole degrees, truncated
-    double longitude = 0.0;  ///< centre of the finished map, degrees
-    double azimuth = 0.0;    ///< rotation about the disc centre, degrees
+    /// Disc centre and radius, photograph pixels; y grows downwards.
+    int centerX = mapvalues::centerX.defaultValue;
+    int centerY = mapvalues::centerY.defaultValue;
+    int radius = mapvalues::radius.defaultValue;
+    /// Viewpoint to globe centre, globe radii.
+    double distance = mapvalues::distance.defaultValue;
+    /// Width and height of the map, pixels.
+    int outputSizeX = mapvalues::outputSizeX.defaultValue;
+    int outputSizeY = mapvalues::outputSizeY.defaultValue;
+    /// Centre of the finished map, degrees; the latitude counts in whole degrees, truncated.
+    double latitude = mapvalues::latitude.defaultValue;
+    double longitude = mapvalues::longitude.defaultValue;
+    /// Rotation about the disc centre, degrees.
+    double azimuth = mapvalues::azimuth.defaultValue;
     projection::Lens lens = projection::Lens::Corrected;
 };
 

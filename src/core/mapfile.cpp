@@ -5,6 +5,11 @@
 #include <QBuffer>
 #include <QImage>
 
+const char *mapFormat(int outputFormat)
+{
+    return outputFormat == 1 ? "png" : "jpg";
+}
+
 bool saveMap(const QImage &map, const QString &path, const char *format, int quality)
 {
     QBuffer encoded;

@@ -3,6 +3,9 @@
 class QImage;
 class QString;
 
+/// Format and extension of the maps by the number that the settings have for it: 1 is "png", any other "jpg".
+const char *mapFormat(int outputFormat);
+
 /// Writes a finished map so that an older file of that name is never lost: the image is encoded in memory,
 /// and only a complete encoding replaces the file.
 /// @param format   "jpg" or "png"; the extension of the path is not looked at

@@ -1,6 +1,7 @@
 #include "mainwindow.h"
 
 #include "inifile.h"
+#include "mapvalues.h"
 #include "option.h"
 #include "previewwindow.h"
 #include "programarguments.h"
@@ -18,6 +19,12 @@ namespace
 
 constexpr int startUpDelayMs = 1000;
 const char *const version = " 1.02";
+
+template <typename T>
+Setting mapSetting(const MapValue<T> &value, T &variable)
+{
+    return boundSetting(value.key, value.defaultValue, variable);
+}
 
 } // namespace
 
@@ -113,23 +120,23 @@ QVector<Setting> MainWindow::settings()
         boundSetting("PenSize", 3, penSize),
         {"PenColor", "#FFFF0000", [this] { return penColor.name(QColor::HexArgb); },
          [this](const QVariant &value) { penColor.setNamedColor(value.toString()); }},
-        boundSetting("CenterX", 0, centerX),
-        boundSetting("CenterY", 0, centerY),
-        boundSetting("Radius", 0, radius),
-        boundSetting("Distance", 100.0, distance),
-        boundSetting("OutputSizeX", 2048, outputSizeX),
-        boundSetting("OutputSizeY", 1024, outputSizeY),
+        mapSetting(mapvalues::centerX, centerX),
+        mapSetting(mapvalues::centerY, centerY),
+        mapSetting(mapvalues::radius, radius),
+        mapSetting(mapvalues::distance, distance),
+        mapSetting(mapvalues::outputSizeX, outputSizeX),
+        mapSetting(mapvalues::outputSizeY, outputSizeY),
         boundSetting("LoadFileName", QString(), loadFileName),
         boundSetting("SaveFileName", QString(), saveFileName),
         boundSetting("InputFolder", QString(), inputFolder),
         boundSetting("OutputFolder", QString(), outputFolder),
         boundSetting("InputFileSortType", 0, sortType),
         boundSetting("OutputFileNameType", 0, nameType),
-        boundSetting("OutputFormat", 0, format),
-        boundSetting("OutputQuality", 85, quality),
-        boundSetting("Latitude", 0.0, latitude),
-        boundSetting("Longitude", 0.0, longitude),
-        boundSetting("Azimuth", 0.0, azimuth),
+        mapSetting(mapvalues::format, format),
+        mapSetting(mapvalues::quality, quality),
+        mapSetting(mapvalues::latitude, latitude),
+        mapSetting(mapvalues::longitude, longitude),
+        mapSetting(mapvalues::azimuth, azimuth),
         boundSetting("Overwrite", true, overwrite),
         boundSetting("OpenFiler", true, openFiler),
     };

@@ -34,7 +34,7 @@ QString MainWindow::getFormat() const
 
 const char *MainWindow::getFormatChar() const
 {
-    return format == 1 ? "png" : "jpg";
+    return mapFormat(format);
 }
 
 // Events run while the chain does: a slot may load another photograph or start a conversion on top of this

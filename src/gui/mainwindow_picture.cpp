@@ -2,6 +2,7 @@
 
 #include "mainwindow.h"
 
+#include "batchplan.h"
 #include "ui_mainwindow.h"
 
 #include <QDragEnterEvent>
@@ -68,7 +69,7 @@ void MainWindow::loadImage()
     updateScreenParameter();
     updateSelect();
 
-    const QString name = "OV-" + QFileInfo(loadFileName).baseName() + '.' + getFormat();
+    const QString name = proposedName(loadFileName, getFormat());
     ui->lineSaveFilename->setText(name);
     saveFileName = QFileInfo(loadFileName).absolutePath() + '/' + name;
     ui->lineSaveFilename->setToolTip(saveFileName);

@@ -1,5 +1,6 @@
 #include "option.h"
 
+#include "mapvalues.h"
 #include "ui_option.h"
 #include "uitexts.h"
 
@@ -10,16 +11,17 @@
 namespace
 {
 
-/// A value and the closed range that it must lie in.
+/// Whether the value of a field lies in its range.
 struct RangeCheck {
-    double value;
-    double lowest;
-    double highest;
+    bool passes;
     QLineEdit *field;
-
-    /// Also true for NaN, which no comparison holds for.
-    bool fails() const { return !(value >= lowest && value <= highest); }
 };
+
+template <typename T>
+QString defaultText(const MapValue<T> &value)
+{
+    return QString::number(value.defaultValue);
+}
 
 } // namespace
 
@@ -88,18 +90,18 @@ void Option::readFields()
 QVector<QLineEdit *> Option::fieldsOutOfRange() const
 {
     const RangeCheck checks[] = {
-        {distance, 1.0, 100.0, ui->lineDistance},
-        {double(outputSizeX), 1024, 8192, ui->lineOutputSizeX},
-        {double(outputSizeY), 1024, 8192, ui->lineOutputSizeY},
-        {double(quality), 1, 100, ui->lineQuality},
-        {double(penSize), 1, 32, ui->lineSize},
-        {latitude, -90.0, 90.0, ui->lineLatitude},
-        {longitude, -180.0, 180.0, ui->lineLongitude},
-        {azimuth, 0.0, 360.0, ui->lineAzimuth},
+        {mapvalues::distance.allows(distance), ui->lineDistance},
+        {mapvalues::outputSizeX.allows(outputSizeX), ui->lineOutputSizeX},
+        {mapvalues::outputSizeY.allows(outputSizeY), ui->lineOutputSizeY},
+        {mapvalues::quality.allows(quality), ui->lineQuality},
+        {penSize >= 1 && penSize <= 32, ui->lineSize},
+        {mapvalues::latitude.allows(latitude), ui->lineLatitude},
+        {mapvalues::longitude.allows(longitude), ui->lineLongitude},
+        {mapvalues::azimuth.allows(azimuth), ui->lineAzimuth},
     };
     QVector<QLineEdit *> fields;
     for (const RangeCheck &check : checks) {
-        if (check.fails())
+        if (!check.passes)
             fields.append(check.field);
     }
     return fields;
@@ -151,15 +153,15 @@ void Option::on_btnCancel_clicked()
 
 void Option::on_btnDefault_clicked()
 {
-    ui->lineDistance->setText(QStringLiteral("100"));
-    ui->lineOutputSizeX->setText(QStringLiteral("2048"));
-    ui->lineOutputSizeY->setText(QStringLiteral("1024"));
-    ui->lineQuality->setText(QStringLiteral("85"));
-    ui->cbFormat->setCurrentIndex(0);
+    ui->lineDistance->setText(defaultText(mapvalues::distance));
+    ui->lineOutputSizeX->setText(defaultText(mapvalues::outputSizeX));
+    ui->lineOutputSizeY->setText(defaultText(mapvalues::outputSizeY));
+    ui->lineQuality->setText(defaultText(mapvalues::quality));
+    ui->cbFormat->setCurrentIndex(mapvalues::format.defaultValue);
     ui->lineSize->setText(QStringLiteral("3"));
     ui->lineColor->setText(QStringLiteral("#FFFF0000"));
-    ui->lineLatitude->setText(QStringLiteral("0"));
-    ui->lineLongitude->setText(QStringLiteral("0"));
-    ui->lineAzimuth->setText(QStringLiteral("0"));
+    ui->lineLatitude->setText(defaultText(mapvalues::latitude));
+    ui->lineLongitude->setText(defaultText(mapvalues::longitude));
+    ui->lineAzimuth->setText(defaultText(mapvalues::azimuth));
     repaint();
 }

@@ -28,6 +28,13 @@ class tst_BatchPlan : public QObject
     Q_OBJECT
 
 private slots:
+    void proposedName_isOvAndTheNameUpToTheFirstDot()
+    {
+        QCOMPARE(proposedName("/in/planet.v2.png", "jpg"), QString("OV-planet.jpg"));
+        QCOMPARE(proposedName("planet", "png"), QString("OV-planet.png"));
+        QCOMPARE(proposedName("/in/.hidden.png", "png"), QString("OV-.png"));
+    }
+
     void byPath_sortsByCodeUnitsOfTheWholePath_data()
     {
         QTest::addColumn<QStringList>("paths");
