@@ -10,9 +10,15 @@ const char *mapFormat(int outputFormat)
     return outputFormat == 1 ? "png" : "jpg";
 }
 
-bool saveMap(const QImage &map, const QString &path, const char *format, int quality)
+QByteArray encodedMap(const QImage &map, const char *format, int quality)
 {
     QBuffer encoded;
-    return encoded.open(QIODevice::WriteOnly) && map.save(&encoded, format, quality) &&
-           replaceFile(path, encoded.data(), ReadOnlyFolder::WriteInPlace);
+    const bool complete = encoded.open(QIODevice::WriteOnly) && map.save(&encoded, format, quality);
+    return complete ? encoded.data() : QByteArray();
+}
+
+bool saveMap(const QImage &map, const QString &path, const char *format, int quality)
+{
+    const QByteArray encoded = encodedMap(map, format, quality);
+    return !encoded.isEmpty() && replaceFile(path, encoded, ReadOnlyFolder::WriteInPlace);
 }

@@ -8,6 +8,7 @@
 #include <QString>
 #include <QUuid>
 
+#include <cerrno>
 #include <cstdio>
 
 namespace
@@ -23,13 +24,21 @@ QString linkTarget(const QString &path)
     return file.filePath();
 }
 
-bool writeWhole(const QString &path, const QByteArray &contents, bool inPlaceIfNeeded)
+bool failed(QString *reason, const QString &text)
+{
+    if (reason)
+        *reason = text;
+    return false;
+}
+
+bool writeWhole(const QString &path, const QByteArray &contents, bool inPlaceIfNeeded, QString *reason)
 {
     QSaveFile file(path);
     file.setDirectWriteFallback(inPlaceIfNeeded);
     // The explicit flush matters: on a full disk commit() alone reports success and leaves a cut file.
-    return file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() && file.flush() &&
-           file.commit();
+    const bool written = file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() &&
+                         file.flush() && file.commit();
+    return written || failed(reason, file.errorString());
 }
 
 /// QSaveFile first writes a file whose name is 7 bytes longer, and no file system here takes more than 255.
@@ -39,31 +48,37 @@ bool isTooLongForQSaveFile(const QString &fileName)
 }
 
 /// The same under a short name in the same folder, which then takes the place of the long one.
-bool replaceLongNamed(const QFileInfo &target, const QByteArray &contents)
+bool replaceLongNamed(const QFileInfo &target, const QByteArray &contents, QString *reason)
 {
     if (target.exists() && !target.isWritable())
-        return false;
+        return failed(reason, qt_error_string(EACCES));
     const QString id = QUuid::createUuid().toString(QUuid::Id128);
     const QString shortNamed = target.dir().filePath(QStringLiteral("ovmic-") + id);
-    if (!writeWhole(shortNamed, contents, false))
+    if (!writeWhole(shortNamed, contents, false, reason))
         return false;
     const bool replaced =
         (!target.exists() || QFile::setPermissions(shortNamed, target.permissions())) &&
         std::rename(QFile::encodeName(shortNamed).constData(),
                     QFile::encodeName(target.filePath()).constData()) == 0; // QFile::rename never overwrites
-    if (!replaced)
-        QFile::remove(shortNamed);
-    return replaced;
+    if (replaced)
+        return true;
+    failed(reason, qt_error_string(errno));
+    QFile::remove(shortNamed);
+    return false;
 }
 
 } // namespace
 
-bool replaceFile(const QString &path, const QByteArray &contents, ReadOnlyFolder readOnlyFolder)
+bool replaceFile(const QString &path, const QByteArray &contents, ReadOnlyFolder readOnlyFolder,
+                 QString *reason)
 {
     const QFileInfo target(linkTarget(path));
-    if (target.isSymLink() || (target.exists() && !target.isFile()))
-        return false;
+    if (target.isSymLink())
+        return failed(reason, QStringLiteral("The link leads nowhere"));
+    if (target.exists() && !target.isFile())
+        return failed(reason, target.isDir() ? QStringLiteral("Is a directory")
+                                             : QStringLiteral("Not a regular file"));
     if (isTooLongForQSaveFile(target.fileName()))
-        return replaceLongNamed(target, contents);
-    return writeWhole(target.filePath(), contents, readOnlyFolder == ReadOnlyFolder::WriteInPlace);
+        return replaceLongNamed(target, contents, reason);
+    return writeWhole(target.filePath(), contents, readOnlyFolder == ReadOnlyFolder::WriteInPlace, reason);
 }

@@ -179,23 +179,33 @@ void tst_ReplaceFile::ringOfLinksIsRefused()
 void tst_ReplaceFile::impossibleTargetIsRefused_data()
 {
     QTest::addColumn<QString>("name");
-    QTest::newRow("a folder") << "folder";
-    QTest::newRow("a folder, with a slash") << "folder/";
-    QTest::newRow("a link to a folder") << "link";
-    QTest::newRow("in a folder that is not there") << "missing/map.jpg";
-    QTest::newRow("below a file") << "file/map.jpg";
-    QTest::newRow("a name that is too long") << QString(256, 'x');
+    QTest::addColumn<QString>("expectedReason");
+    QTest::newRow("a folder") << "folder"
+                              << "Is a directory";
+    QTest::newRow("a folder, with a slash") << "folder/"
+                                            << "Is a directory";
+    QTest::newRow("a link to a folder") << "link"
+                                        << "Is a directory";
+    QTest::newRow("in a folder that is not there") << "missing/map.jpg"
+                                                   << "No such file or directory";
+    QTest::newRow("below a file") << "file/map.jpg"
+                                  << "Not a directory";
+    QTest::newRow("a name that is too long") << QString(256, 'x') << "File name too long";
 }
 
 void tst_ReplaceFile::impossibleTargetIsRefused()
 {
     QFETCH(QString, name);
+    QFETCH(QString, expectedReason);
     QVERIFY(QDir(m_folder->path()).mkdir(QStringLiteral("folder")));
     writeFile(in("folder/inside"), oldContents);
     writeFile(in("file"), oldContents);
     QVERIFY(QFile::link(in("folder"), in("link")));
-    for (const auto mode : {ReadOnlyFolder::Refuse, ReadOnlyFolder::WriteInPlace})
-        QVERIFY(!replaceFile(m_folder->filePath(name), "new", mode));
+    for (const auto mode : {ReadOnlyFolder::Refuse, ReadOnlyFolder::WriteInPlace}) {
+        QString reason;
+        QVERIFY(!replaceFile(m_folder->filePath(name), "new", mode, &reason));
+        QCOMPARE(reason, expectedReason);
+    }
     QCOMPARE(namesIn(m_folder->path()), (QStringList{"file", "folder", "link"}));
     QCOMPARE(namesIn(in("folder")), QStringList{"inside"});
     QCOMPARE(contentsOf(in("file")), oldContents);
