@@ -9,9 +9,6 @@
 namespace
 {
 
-/// No ini file that anybody uses is larger; a larger one would only fill the memory.
-constexpr qint64 largestIniFile = 32 * 1024 * 1024;
-
 /// @return whether the path is a file of a reasonable size and all of it could be read
 bool readFile(const QString &path, QByteArray &contents)
 {

@@ -9,7 +9,10 @@
 
 #include <functional>
 
-/// Reads an ini file. One that is missing, no regular file, larger than 32 MB or cannot be read behaves as an
+/// Bytes. No ini file that anybody uses is larger; a larger one would only fill the memory.
+constexpr qint64 largestIniFile = 32 * 1024 * 1024;
+
+/// Reads an ini file. One that is missing, no regular file, larger than that or cannot be read behaves as an
 /// empty one.
 IniText openIniFile(const QString &path);
 

@@ -4,6 +4,7 @@
 
 #include "inifile.h"
 #include "mapfile.h"
+#include "parameterfile.h"
 #include "previewwindow.h"
 #include "ui_mainwindow.h"
 
@@ -158,7 +159,9 @@ void MainWindow::writeParam()
         return;
     const QString path = dialog.selectedFiles().first();
     updateParameter(); // values that were typed but not yet applied
-    writeIniFile(path, {{"CenterX", centerX}, {"CenterY", centerY}, {"Radius", radius}});
+    writeIniFile(path, {{mapvalues::centerX.key, centerX},
+                        {mapvalues::centerY.key, centerY},
+                        {mapvalues::radius.key, radius}});
     confirmSaved(showString.value("save_inifile_title"), path);
 }
 
@@ -172,10 +175,7 @@ void MainWindow::readParam()
     dialog.setWindowTitle(showString.value("load_inifile"));
     if (dialog.exec() == 0 || dialog.selectedFiles().isEmpty())
         return;
-    const IniText file = openIniFile(dialog.selectedFiles().first());
-    centerX = file.value("CenterX", 0).toInt();
-    centerY = file.value("CenterY", 0).toInt();
-    radius = file.value("Radius", 0).toInt();
+    setCircle(readCircleFile(dialog.selectedFiles().first()).circle);
     updateScreenParameter();
     updateSelect();
 }

@@ -1,0 +1,92 @@
+#include "photographfile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+
+#include <algorithm>
+#include <new>
+
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
+namespace
+{
+
+constexpr qint64 bytesPerGigabyte = 1 << 30;
+
+/// The path in a form that the toolkit does not take for one of its compiled-in resources.
+QString plainPath(const QString &path)
+{
+    return path.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + path : path;
+}
+
+/// Why a file cannot even be opened as a photograph; empty if it can. A pipe is not opened at all: that would
+/// wait for somebody to write. Files that the system makes up have no size, and some of them wait too.
+QString reasonAgainst(const QFileInfo &file)
+{
+    if (file.isDir())
+        return QStringLiteral("cannot be read: Is a directory");
+    if (file.exists() && !file.isFile())
+        return QStringLiteral("cannot be read: Not a regular file");
+    if (file.isFile() && file.size() == 0)
+        return QStringLiteral("not an image: The file is empty");
+    return {};
+}
+
+/// Why the picture in a file is too large; empty if it is not, or does not say.
+QString reasonAgainstSize(const QString &path)
+{
+    const QSize size = QImageReader(path).size();
+    const qint64 bytes = size.isValid() ? qint64(size.width()) * size.height() * 4 : 0;
+    if (bytes <= largestPhotographBytes())
+        return {};
+    return QStringLiteral("cannot be read: %1 x %2 pixels need more memory than the %3 GB for a photograph")
+        .arg(size.width())
+        .arg(size.height())
+        .arg(double(largestPhotographBytes()) / double(bytesPerGigabyte), 0, 'f', 1);
+}
+
+LoadedPhotograph read(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {{}, QStringLiteral("cannot be read: ") + file.errorString()};
+    QString reason = reasonAgainstSize(path);
+    if (!reason.isEmpty())
+        return {{}, reason};
+    QImageReader reader(&file);
+    QImage image = reader.read();
+    if (image.isNull()) {
+        const bool unknown = reader.error() == QImageReader::UnsupportedFormatError;
+        reason = (unknown ? QStringLiteral("not an image: ") : QStringLiteral("cannot be read: ")) +
+                 reader.errorString();
+    }
+    return {image, reason};
+}
+
+} // namespace
+
+LoadedPhotograph loadPhotograph(const QString &path)
+{
+    const QFileInfo file(plainPath(path));
+    const QString reason = reasonAgainst(file);
+    if (!reason.isEmpty())
+        return {{}, reason};
+    try {
+        return read(file.filePath());
+    } catch (const std::bad_alloc &) { // compressed texts beside the picture can unfold to gigabytes
+        return {{}, QStringLiteral("cannot be read: Not enough memory")};
+    }
+}
+
+qint64 largestPhotographBytes()
+{
+#if defined(Q_OS_UNIX) && defined(_SC_PHYS_PAGES)
+    const qint64 memory = qint64(sysconf(_SC_PHYS_PAGES)) * sysconf(_SC_PAGE_SIZE);
+    return std::max(memory / 4, bytesPerGigabyte);
+#else
+    return bytesPerGigabyte;
+#endif
+}
