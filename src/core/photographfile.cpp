@@ -1,5 +1,7 @@
 #include "photographfile.h"
 
+#include "plainpath.h"
+
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
@@ -15,12 +17,6 @@ namespace
 {
 
 constexpr qint64 bytesPerGigabyte = 1 << 30;
-
-/// The path in a form that the toolkit does not take for one of its compiled-in resources.
-QString plainPath(const QString &path)
-{
-    return path.startsWith(QLatin1Char(':')) ? QStringLiteral("./") + path : path;
-}
 
 /// Why a file cannot even be opened as a photograph; empty if it can. A pipe is not opened at all: that would
 /// wait for somebody to write. Files that the system makes up have no size, and some of them wait too.

@@ -1,0 +1,160 @@
+#include "maprun.h"
+
+#include "mapfile.h"
+#include "mapplan.h"
+#include "photographfile.h"
+#include "replacefile.h"
+#include "report.h"
+#include "stopsignals.h"
+#include "worldfile.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QRunnable>
+#include <QThreadPool>
+
+#include <atomic>
+#include <new>
+
+namespace
+{
+
+SelectionCircle circleOn(const QImage &photograph, const CircleSource &source)
+{
+    if (const auto *circle = std::get_if<SelectionCircle>(&source))
+        return *circle;
+    return defaultCircle(photograph.size());
+}
+
+/// Whether something has this name, be it a link that leads nowhere.
+bool isThere(const QString &path)
+{
+    const QFileInfo file(path);
+    return file.exists() || file.isSymLink();
+}
+
+/// Makes one map after the other; one for each thread.
+class MapWorker
+{
+public:
+    MapWorker(const MapPlan &plan, const MapOptions &options, Report &report)
+        : m_plan(plan), m_options(options), m_report(report)
+    {
+    }
+
+    void convert(const MapJob &job)
+    {
+        const bool exists = m_options.existing != ExistingMap::IsReplaced && isThere(job.map);
+        if (exists && m_options.existing == ExistingMap::IsDone) {
+            m_report.skipped();
+            return;
+        }
+        QString reason = exists ? QStringLiteral("map exists: ") + job.map : QString();
+        if (!exists) {
+            try {
+                reason = made(job);
+            } catch (const std::bad_alloc &) { // the encoders ask for memory that way
+                reason = QStringLiteral("map cannot be made: Not enough memory");
+            }
+        }
+        if (reason.isEmpty())
+            m_report.finished(job.map);
+        else
+            m_report.failed(job.photograph, reason);
+    }
+
+private:
+    /// @return why there is no map; empty if there is one
+    QString made(const MapJob &job) const
+    {
+        LoadedPhotograph photograph = loadPhotograph(job.photograph);
+        if (!photograph.reason.isEmpty())
+            return photograph.reason;
+        MapParameters parameters = m_options.parameters;
+        const SelectionCircle circle = circleOn(photograph.image, m_options.circle);
+        parameters.centerX = circle.centerX;
+        parameters.centerY = circle.centerY;
+        parameters.radius = circle.radius;
+        const QImage map = convertToMap(photograph.image, parameters, AzimuthStep::Rotates, {});
+        if (map.isNull())
+            return QStringLiteral("map cannot be made: Not enough memory");
+        photograph.image = QImage(); // the encoder has its room
+        const QByteArray encoded = encodedMap(map, m_plan.format().toLatin1().constData(), m_options.quality);
+        if (encoded.isEmpty())
+            return QStringLiteral("map cannot be written: %1 x %2 pixels cannot be encoded as %3")
+                .arg(map.width())
+                .arg(map.height())
+                .arg(m_plan.format());
+        return written(job.map, encoded, parameters);
+    }
+
+    /// The world file comes first: a map that exists is complete.
+    QString written(const QString &map, const QByteArray &encoded, const MapParameters &parameters) const
+    {
+        QString reason;
+        const QString world = worldFilePath(map, m_plan.format());
+        const bool worldWasThere = isThere(world);
+        if (m_options.worldFile) {
+            const QByteArray lines = worldFile(parameters);
+            if (worldWasThere && m_options.existing != ExistingMap::IsReplaced && !holds(world, lines))
+                return QStringLiteral("world file exists: ") + world;
+            if (!replaceFile(world, lines, ReadOnlyFolder::Refuse, &reason))
+                return QStringLiteral("world file cannot be written: ") + reason;
+        }
+        if (replaceFile(map, encoded, ReadOnlyFolder::Refuse, &reason))
+            return {};
+        if (m_options.worldFile && !worldWasThere)
+            QFile::remove(world);
+        return QStringLiteral("map cannot be written: ") + reason;
+    }
+
+    static bool holds(const QString &path, const QByteArray &contents)
+    {
+        QFile file(path);
+        return QFileInfo(path).isFile() && file.open(QIODevice::ReadOnly) &&
+               file.read(contents.size() + 1) == contents;
+    }
+
+    const MapPlan &m_plan;
+    const MapOptions &m_options;
+    Report &m_report;
+};
+
+/// One thread's work: the next job that nobody has taken, until there is none or the run is stopped.
+class JobLoop : public QRunnable
+{
+public:
+    JobLoop(const MapPlan &plan, const MapOptions &options, Report &report, std::atomic<int> &next)
+        : m_plan(plan), m_worker(plan, options, report), m_report(report), m_next(next)
+    {
+    }
+
+    void run() override
+    {
+        while (StopSignals::received() == 0 && !m_report.isReaderGone()) {
+            const int index = m_next.fetch_add(1);
+            if (index >= m_plan.count())
+                return;
+            m_worker.convert(m_plan.job(index));
+        }
+    }
+
+private:
+    const MapPlan &m_plan;
+    MapWorker m_worker;
+    Report &m_report;
+    std::atomic<int> &m_next;
+};
+
+} // namespace
+
+void runPlan(const MapPlan &plan, const MapOptions &options, Report &report)
+{
+    const int threads = qMin(options.jobs, plan.count());
+    std::atomic<int> next{0};
+    QThreadPool pool;
+    pool.setMaxThreadCount(qMax(threads, 1));
+    for (int i = 0; i < threads; ++i)
+        pool.start(new JobLoop(plan, options, report, next)); // the pool deletes it
+    pool.waitForDone();
+}
