@@ -7,15 +7,30 @@
 namespace
 {
 
-/// Longitude of the leftmost column: -180, and what the shift of the map, in whole columns, falls short of it.
-double leftmostLongitude(const MapParameters &parameters)
+/// Degrees from one column and row to the next, and the place of the upper left pixel.
+struct Placement {
+    double columnDeg;
+    double rowDeg;
+    double longitude;
+    double latitude;
+};
+
+/// What a shift in whole columns leaves of an angle.
+double restOfShift(double angleDeg, int width)
 {
-    constexpr double discCentre = 90; // where it stands before that shift, degrees from the left
-    const double columnDeg = 360.0 / parameters.outputSizeX;
-    const double shiftDeg = parameters.longitude + discCentre;
-    const auto columns = double(projection::columnShift(shiftDeg, parameters.outputSizeX));
-    const double longitude = parameters.longitude - discCentre - columns * columnDeg;
-    return longitude;
+    return angleDeg - projection::columnShift(angleDeg, width) * 360.0 / width;
+}
+
+Placement placementOf(const MapParameters &parameters)
+{
+    Placement placement = {360.0 / parameters.outputSizeX, 180.0 / parameters.outputSizeY, -180, 90};
+    placement.longitude += restOfShift(parameters.longitude + 90, parameters.outputSizeX);
+    if (parameters.latitude == 90) {
+        // The map is not resampled: the work map counts its columns and rows from one, and turns about the pole.
+        placement.longitude += placement.columnDeg + restOfShift(-parameters.azimuth, parameters.outputSizeX);
+        placement.latitude -= placement.rowDeg;
+    }
+    return placement;
 }
 
 } // namespace
@@ -23,8 +38,9 @@ double leftmostLongitude(const MapParameters &parameters)
 QByteArray worldFile(const MapParameters &parameters)
 {
     constexpr int digits = 15;
-    const double lines[] = {360.0 / parameters.outputSizeX, 0, 0, -180.0 / parameters.outputSizeY,
-                            leftmostLongitude(parameters),  90};
+    const Placement placement = placementOf(parameters);
+    const double lines[] = {placement.columnDeg, 0, 0, -placement.rowDeg, placement.longitude,
+                            placement.latitude};
     QByteArray text;
     for (const double line : lines)
         text += QByteArray::number(line, 'g', digits) + '\n';
