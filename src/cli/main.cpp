@@ -23,6 +23,16 @@ void ignoreMessage(QtMsgType, const QMessageLogContext &, const QString &)
 {
 }
 
+/// The decoders' own complaints, which go to C's stream past the toolkit: one line for each failure is enough. The
+/// descriptor, through which everything of ours is written, stays.
+void silenceDecoders()
+{
+#ifdef __GLIBC__ // elsewhere the stream cannot be replaced
+    if (std::FILE *nowhere = std::fopen("/dev/null", "w"))
+        stderr = nowhere;
+#endif
+}
+
 int print(const QByteArray &text)
 {
     const bool written = std::fwrite(text.constData(), 1, size_t(text.size()), stdout) == size_t(text.size());
@@ -77,6 +87,7 @@ int convert(const MapPlan &plan, const MapOptions &options)
 int main(int argc, char *argv[])
 {
     qInstallMessageHandler(ignoreMessage);
+    silenceDecoders();
     useFileNameCodec();
     const QCoreApplication application(argc, argv);
 

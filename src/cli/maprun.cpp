@@ -10,11 +10,12 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QRunnable>
-#include <QThreadPool>
+#include <QThread>
 
 #include <atomic>
+#include <memory>
 #include <new>
+#include <vector>
 
 namespace
 {
@@ -120,41 +121,31 @@ private:
     Report &m_report;
 };
 
-/// One thread's work: the next job that nobody has taken, until there is none or the run is stopped.
-class JobLoop : public QRunnable
-{
-public:
-    JobLoop(const MapPlan &plan, const MapOptions &options, Report &report, std::atomic<int> &next)
-        : m_plan(plan), m_worker(plan, options, report), m_report(report), m_next(next)
-    {
-    }
-
-    void run() override
-    {
-        while (StopSignals::received() == 0 && !m_report.isReaderGone()) {
-            const int index = m_next.fetch_add(1);
-            if (index >= m_plan.count())
-                return;
-            m_worker.convert(m_plan.job(index));
-        }
-    }
-
-private:
-    const MapPlan &m_plan;
-    MapWorker m_worker;
-    Report &m_report;
-    std::atomic<int> &m_next;
-};
-
 } // namespace
 
 void runPlan(const MapPlan &plan, const MapOptions &options, Report &report)
 {
-    const int threads = qMin(options.jobs, plan.count());
     std::atomic<int> next{0};
-    QThreadPool pool;
-    pool.setMaxThreadCount(qMax(threads, 1));
-    for (int i = 0; i < threads; ++i)
-        pool.start(new JobLoop(plan, options, report, next)); // the pool deletes it
-    pool.waitForDone();
+    // One thread's work: the next job that nobody has taken, until there is none or the run is stopped.
+    const auto work = [&] {
+        MapWorker worker(plan, options, report);
+        while (StopSignals::received() == 0 && !report.isReaderGone()) {
+            const int index = next.fetch_add(1);
+            if (index >= plan.count())
+                return;
+            worker.convert(plan.job(index));
+        }
+    };
+    // This thread works too, so that the run comes to its end even where the system grants no other one. A thread
+    // pool would wait for its threads for ever then.
+    std::vector<std::unique_ptr<QThread>> helpers;
+    for (int i = 1; i < qMin(options.jobs, plan.count()); ++i) {
+        helpers.emplace_back(QThread::create(work));
+        helpers.back()->start();
+        if (!helpers.back()->isRunning() && !helpers.back()->isFinished())
+            break; // refused
+    }
+    work();
+    for (const auto &helper : helpers)
+        helper->wait();
 }

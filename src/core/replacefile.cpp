@@ -38,7 +38,12 @@ bool writeWhole(const QString &path, const QByteArray &contents, bool inPlaceIfN
     // The explicit flush matters: on a full disk commit() alone reports success and leaves a cut file.
     const bool written = file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() &&
                          file.flush() && file.commit();
-    return written || failed(reason, file.errorString());
+    if (written)
+        return true;
+    // Of a write that was cut short QSaveFile only says that the error is unknown; the system knows it.
+    const QString systemReason = qt_error_string(errno);
+    return failed(reason,
+                  file.errorString() == QLatin1String("Unknown error") ? systemReason : file.errorString());
 }
 
 /// QSaveFile first writes a file whose name is 7 bytes longer, and no file system here takes more than 255.
