@@ -1,8 +1,8 @@
 #include "discfinder.h"
 
 #include "discpictures.h"
+#include "rng.h"
 
-#include <QRandomGenerator>
 #include <QtTest>
 
 #include <cmath>
@@ -44,11 +44,11 @@ const Answer &anyDisc()
 
 QImage noise(int width, int height, quint32 seed)
 {
-    QRandomGenerator random(seed);
+    Rng rng(seed);
     QImage image(width, height, QImage::Format_RGB32);
     for (int y = 0; y < height; ++y)
         for (int x = 0; x < width; ++x)
-            image.setPixel(x, y, random.generate());
+            image.setPixel(x, y, rng.word());
     return image;
 }
 

@@ -1,7 +1,7 @@
 #include "filenamecodec.h"
+#include "rng.h"
 
 #include <QFile>
-#include <QRandomGenerator>
 #include <QtTest>
 
 class tst_FileNameCodec : public QObject
@@ -47,11 +47,11 @@ void tst_FileNameCodec::everyNameComesBack()
 
 void tst_FileNameCodec::randomNamesComeBack()
 {
-    QRandomGenerator chance(5);
+    Rng rng(5);
     for (int i = 0; i < 20000; ++i) {
         QByteArray name;
-        for (int length = chance.bounded(12); length >= 0; --length)
-            name += char(chance.bounded(2) ? chance.bounded(0x80, 0x100) : chance.bounded(1, 0x100));
+        for (int length = rng.between(0, 11); length >= 0; --length)
+            name += char(rng.oneIn(2) ? rng.between(0x80, 0xff) : rng.between(1, 0xff));
         QCOMPARE(QFile::encodeName(QFile::decodeName(name)), name);
     }
 }

@@ -1,4 +1,5 @@
 #include "inifile.h"
+#include "rng.h"
 
 #include "faults.h"
 #include "files.h"
@@ -224,9 +225,9 @@ void tst_IniFile::doubleSurvivesBitForBit()
     QVector<double> numbers{0.0,           0.1,          1.0 / 3.0,          6.6,
                             35.681236,     -139.7671248, Limits::max(),      5e-324,
                             Limits::min(), 1e300,        Limits::infinity(), -Limits::infinity()};
-    std::mt19937_64 random(5); // NOLINT(cert-msc51-cpp): the same numbers in every run
+    Rng rng(5);
     for (int i = 0; i < 1000; ++i)
-        numbers.append(std::uniform_real_distribution<double>(-360, 360)(random));
+        numbers.append(rng.real(-360, 360));
     Values values;
     for (const double number : numbers)
         values.append({QStringLiteral("Key%1").arg(values.size()), number});
