@@ -15,6 +15,7 @@
 #include <atomic>
 #include <memory>
 #include <new>
+#include <utility>
 #include <vector>
 
 namespace
@@ -66,9 +67,9 @@ public:
 
 private:
     /// @return why there is no map; empty if there is one
-    QString made(const MapJob &job) const
+    QString made(const MapJob &job)
     {
-        LoadedPhotograph photograph = loadPhotograph(job.photograph);
+        const LoadedPhotograph photograph = loadPhotograph(job.photograph, std::move(m_memory));
         if (!photograph.reason.isEmpty())
             return photograph.reason;
         MapParameters parameters = m_options.parameters;
@@ -79,7 +80,7 @@ private:
         const QImage map = convertToMap(photograph.image, parameters, AzimuthStep::Rotates, {});
         if (map.isNull())
             return QStringLiteral("map cannot be made: Not enough memory");
-        photograph.image = QImage(); // the encoder has its room
+        m_memory = photograph.image; // for the next one
         const QByteArray encoded = encodedMap(map, m_plan.format().toLatin1().constData(), m_options.quality);
         if (encoded.isEmpty())
             return QStringLiteral("map cannot be written: %1 x %2 pixels cannot be encoded as %3")
@@ -119,6 +120,7 @@ private:
     const MapPlan &m_plan;
     const MapOptions &m_options;
     Report &m_report;
+    QImage m_memory; // of the last photograph
 };
 
 } // namespace

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <new>
+#include <utility>
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
@@ -44,7 +45,18 @@ QString reasonAgainstSize(const QString &path)
         .arg(double(largestPhotographBytes()) / double(bytesPerGigabyte), 0, 'f', 1);
 }
 
-LoadedPhotograph read(const QString &path)
+/// Decodes into the memory where every pixel is written anew, and as QImage::load does everywhere else.
+QImage decoded(QFile &file, QImageReader &reader, QImage memory)
+{
+    if (!memory.isNull() && reader.format() == "jpeg" && reader.read(&memory))
+        return memory;
+    memory = QImage();
+    file.seek(0);
+    reader.setDevice(&file);
+    return reader.read();
+}
+
+LoadedPhotograph read(const QString &path, QImage memory)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -53,7 +65,7 @@ LoadedPhotograph read(const QString &path)
     if (!reason.isEmpty())
         return {{}, reason};
     QImageReader reader(&file);
-    QImage image = reader.read();
+    QImage image = decoded(file, reader, std::move(memory));
     if (image.isNull()) {
         const bool unknown = reader.error() == QImageReader::UnsupportedFormatError;
         reason = (unknown ? QStringLiteral("not an image: ") : QStringLiteral("cannot be read: ")) +
@@ -64,14 +76,14 @@ LoadedPhotograph read(const QString &path)
 
 } // namespace
 
-LoadedPhotograph loadPhotograph(const QString &path)
+LoadedPhotograph loadPhotograph(const QString &path, QImage memory)
 {
     const QFileInfo file(plainPath(path));
     const QString reason = reasonAgainst(file);
     if (!reason.isEmpty())
         return {{}, reason};
     try {
-        return read(file.filePath());
+        return read(file.filePath(), std::move(memory));
     } catch (const std::bad_alloc &) { // compressed texts beside the picture can unfold to gigabytes
         return {{}, QStringLiteral("cannot be read: Not enough memory")};
     }

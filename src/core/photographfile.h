@@ -12,8 +12,10 @@ struct LoadedPhotograph {
 /// Loads a photograph as QImage::load does, whatever the file is called. Never blocks: only regular files are
 /// opened. Never fails otherwise than with a reason: too little memory is one, and so is a picture that would
 /// need more than largestPhotographBytes().
-/// @param path  as the system takes it; a leading colon has no meaning
-LoadedPhotograph loadPhotograph(const QString &path);
+/// @param path    as the system takes it; a leading colon has no meaning
+/// @param memory  an earlier photograph that nobody needs any more; a JPEG of the same size is decoded into its
+///                pixels, which the system then need not hand out page by page again
+LoadedPhotograph loadPhotograph(const QString &path, QImage memory = {});
 
 /// A quarter of the machine's memory, at least 1 GB: what a small file may unfold to.
 qint64 largestPhotographBytes();

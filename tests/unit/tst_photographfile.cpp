@@ -39,6 +39,7 @@ private slots:
     void loadsAsThePictureClassDoes_data();
     void loadsAsThePictureClassDoes();
     void loadsDamagedFilesAsThePictureClassDoes();
+    void memoryOfAnotherPhotographChangesNothing();
     void saysWhyNot_data();
     void saysWhyNot();
     void neverWaitsForAPipe();
@@ -112,6 +113,31 @@ void tst_PhotographFile::loadsDamagedFilesAsThePictureClassDoes()
         }
     }
     QVERIFY2(loaded > 100 && refused > 100, qPrintable(QString::number(loaded)));
+}
+
+void tst_PhotographFile::memoryOfAnotherPhotographChangesNothing()
+{
+    Rng rng(9);
+    QVERIFY(QFile::copy(OVMIC_SAMPLES "/series-1.jpg", in("whole.jpg")));
+    QVERIFY(QFile::copy(OVMIC_SAMPLES "/earth-000e.png", in("whole.png")));
+    const QByteArray whole = contentsOf(in("whole.jpg"));
+    QImage memory(1280, 960, QImage::Format_RGB32);
+    const uchar *pixels = memory.constBits();
+    memory = loadPhotograph(in("whole.jpg"), std::move(memory)).image;
+    QCOMPARE(memory.constBits(), pixels); // it was taken
+    COMPARE_IMAGES(memory, QImage(in("whole.jpg")));
+    for (int i = 0; i < 60; ++i) {
+        QByteArray bytes = whole.left(i % 2 == 0 ? whole.size() : rng.between(0, whole.size() - 1));
+        for (int change = 0; change < i % 5 && !bytes.isEmpty(); ++change)
+            bytes[rng.between(0, bytes.size() - 1)] = char(rng.word());
+        writeFile(in("damaged.jpg"), bytes);
+        memory.fill(Qt::magenta);
+        const LoadedPhotograph photograph = loadPhotograph(in("damaged.jpg"), std::move(memory));
+        COMPARE_IMAGES(photograph.image, QImage(in("damaged.jpg")));
+        memory = QImage(1280, 960, QImage::Format_RGB32);
+    }
+    memory.fill(Qt::magenta);
+    COMPARE_IMAGES(loadPhotograph(in("whole.png"), std::move(memory)).image, QImage(in("whole.png")));
 }
 
 void tst_PhotographFile::saysWhyNot_data()
