@@ -5,6 +5,7 @@
 
 #include "mainwindow.h"
 #include "mapfile.h"
+#include "photographofadisc.h"
 
 #include <QApplication>
 #include <QDir>
@@ -12,7 +13,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <functional>
@@ -59,23 +59,6 @@ double median(std::vector<double> times)
 {
     std::sort(times.begin(), times.end());
     return times[times.size() / 2];
-}
-
-/// A photograph of 12 megapixels with structure that compresses like one.
-QImage photographOfADisc(int seed)
-{
-    QImage picture(4000, 3000, QImage::Format_RGB32);
-    for (int y = 0; y < picture.height(); ++y) {
-        auto *line = reinterpret_cast<QRgb *>(picture.scanLine(y));
-        for (int x = 0; x < picture.width(); ++x) {
-            const double wave =
-                std::sin(x * 0.013 * seed) + std::sin(y * 0.017) + std::sin((x + y) * 0.2) * 0.2;
-            const int grey = static_cast<int>(wave * 50 + 120);
-            const bool disc = std::hypot(x - 2000, y - 1500) < 1400;
-            line[x] = disc ? qRgb(grey, grey / 2 + 40, 255 - grey) : qRgb(2, 2, (x * y) % 7);
-        }
-    }
-    return picture;
 }
 
 void measure(const QStringList &photographs, const QString &folder, QSize map, const char *mapFormat)
