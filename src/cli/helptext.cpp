@@ -44,7 +44,7 @@ const char *const introduction =
 const char *const notes = "\n"
                           "Memory: each photograph in work needs 4 bytes for each of its pixels, 8 for each\n"
                           "pixel of its map, and what its files have; 12 megapixels to 2048x1024 need\n"
-                          "about 70 MB. --jobs multiplies that.\n"
+                          "70 MB in all. --jobs multiplies that.\n"
                           "\n"
                           "Standard output has the path of each map as it is finished, standard error one\n"
                           "line for each failure. A first SIGINT or SIGTERM lets the photographs in work\n"
