@@ -141,19 +141,19 @@ void runPlan(const MapPlan &plan, const MapOptions &options, Report &report)
     };
     // This thread works too, so that the run comes to its end even where the system grants no other one. A thread
     // pool would wait for its threads for ever then.
-    std::vector<std::unique_ptr<QThread>> helpers;
+    std::vector<std::unique_ptr<QThread>> threads;
     for (int i = 1; i < qMin(options.jobs, plan.count()); ++i) {
-        helpers.emplace_back(QThread::create([&] {
+        threads.emplace_back(QThread::create([&] {
             work();
             ended.fetch_add(1);
         }));
-        helpers.back()->start();
-        if (!helpers.back()->isRunning() && !helpers.back()->isFinished())
+        threads.back()->start();
+        if (!threads.back()->isRunning() && !threads.back()->isFinished())
             break; // refused
     }
     work();
-    for (const auto &helper : helpers)
-        helper->wait();
+    for (const auto &thread : threads)
+        thread->wait();
     ended
         .load(); // what the threads did lies behind; the thread sanitizer cannot see the toolkit's own waiting
 }
