@@ -90,7 +90,9 @@ std::optional<MapPlan> MapPlan::made(const MapOptions &options, QString &problem
 
 QString MapPlan::prepareFolder() const
 {
-    if (m_folder.isEmpty() || QFileInfo(m_folder).isDir() || QDir().mkpath(m_folder))
+    const auto isThere = [&] { return QFileInfo(m_folder).isDir(); };
+    // Another task of the same run may make it at this very moment; then making it fails, and it is there.
+    if (m_folder.isEmpty() || isThere() || QDir().mkpath(m_folder) || isThere())
         return {};
     return QStringLiteral("--output %1: the folder cannot be made").arg(m_options->output);
 }

@@ -12,6 +12,7 @@ private slots:
     void fileForASinglePhotograph();
     void formatFollowsTheFile();
     void folderIsMade();
+    void tasksMakeTheFolderAtTheSameTime();
     void shareOfEachTaskMakesAllMaps();
     void interruptedRunIsStartedAgain();
     void threadsMakeTheSameMaps();
@@ -101,6 +102,19 @@ void tst_OvmicMapFiles::folderIsMade()
     folder.write("file", "no folder");
     COMPARE_RUN(folder.run(photographs + QStringList{"-o", "file/maps"}), 2,
                 "ovmic-map: --output file/maps: the folder cannot be made\n");
+}
+
+void tst_OvmicMapFiles::tasksMakeTheFolderAtTheSameTime()
+{
+    const MapFolder folder;
+    folder.writePhotographs("in", 1);
+    const QString run =
+        "ovmic-map in/photo000.png --part $task/4 -o made/$round/maps/ " + folder.smallMaps().join(' ');
+    const MapFolder::Result result =
+        folder.shell("for round in $(seq 40); do tasks=(); for task in 1 2 3 4; do " + run +
+                     " & tasks+=($!); done; for task in ${tasks[*]}; do wait $task || exit; done; done");
+    COMPARE_RUN(result, 0, "");
+    QCOMPARE(result.output.count('\n'), 40);
 }
 
 void tst_OvmicMapFiles::shareOfEachTaskMakesAllMaps()
