@@ -10,7 +10,7 @@
 #include <functional>
 
 /// Bytes. No ini file that anybody uses is larger; a larger one would only fill the memory.
-constexpr qint64 largestIniFile = 32 * 1024 * 1024;
+constexpr qint64 largestIniFile = qint64{32} * 1024 * 1024;
 
 /// Reads an ini file. One that is missing, no regular file, larger than that or cannot be read behaves as an
 /// empty one.

@@ -44,8 +44,8 @@ public:
     /// Ends the program from outside: leaves the unattended mode and closes the window if it is visible.
     void closeApplication();
 
-    QString settingFile; ///< path of the settings file
-    QString langFile;    ///< path of the language file
+    QString settingFile;   ///< path of the settings file
+    QString langFile;      ///< path of the language file
     QStringList arguments; ///< the command line, program's name first; empty: what the application has of it
 
     /// Called once, when the start-up pass begins; may be empty.
