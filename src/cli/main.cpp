@@ -88,6 +88,8 @@ int main(int argc, char *argv[])
 {
     qInstallMessageHandler(ignoreMessage);
     silenceDecoders();
+    // No thread of ours handles events; glib's dispatcher, which each would get, ends the program where memory is short.
+    qputenv("QT_NO_GLIB", "1");
     useFileNameCodec();
     const QCoreApplication application(argc, argv);
 
