@@ -28,7 +28,7 @@ struct MapParameters {
 /// What the azimuth step does with a map when the azimuth is not 0.
 enum class AzimuthStep {
     Rotates,    ///< it rotates the map about the disc centre
-    EmptiesMap, ///< it leaves nothing of the map, as it always was in a batch run
+    EmptiesMap, ///< it leaves nothing of the map: a batch run gives it no canvas
 };
 
 /// Map columns per photograph column, and map rows of one hemisphere per photograph row.
