@@ -97,6 +97,13 @@ CircleFile readCircleFile(const QString &path)
     return result;
 }
 
+bool writeCircleFile(const QString &path, const SelectionCircle &circle)
+{
+    return writeIniFile(path, {{mapvalues::centerX.key, circle.centerX},
+                               {mapvalues::centerY.key, circle.centerY},
+                               {mapvalues::radius.key, circle.radius}});
+}
+
 MapSettings readMapSettings(const QString &path)
 {
     MapSettings result;

@@ -15,6 +15,9 @@ struct CircleFile {
 /// Reads a parameter file, or a settings file: both have the circle under the same keys.
 CircleFile readCircleFile(const QString &path);
 
+/// Writes a parameter file; what else is in it stays. @return whether it is on the disk
+bool writeCircleFile(const QString &path, const SelectionCircle &circle);
+
 /// What a settings file says about maps.
 struct MapSettings {
     MapParameters parameters;

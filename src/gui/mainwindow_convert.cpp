@@ -159,9 +159,7 @@ void MainWindow::writeParam()
         return;
     const QString path = dialog.selectedFiles().first();
     updateParameter(); // values that were typed but not yet applied
-    writeIniFile(path, {{mapvalues::centerX.key, centerX},
-                        {mapvalues::centerY.key, centerY},
-                        {mapvalues::radius.key, radius}});
+    writeCircleFile(path, circle());
     confirmSaved(showString.value("save_inifile_title"), path);
 }
 
