@@ -6,6 +6,7 @@
 #include "discpixels.h"
 #include "discverdict.h"
 #include "discview.h"
+#include "integers.h"
 
 #include <QImage>
 
@@ -169,4 +170,11 @@ std::optional<FoundDisc> findDisc(const QImage &photograph)
     if (!isDisc(fit))
         return std::nullopt;
     return FoundDisc{fit.circle.x, fit.circle.y, fit.circle.radius, discConfidence(fit)};
+}
+
+SelectionCircle selectionCircle(const FoundDisc &disc)
+{
+    using projection::truncateToInt;
+    return {truncateToInt(std::floor(disc.centerX)), truncateToInt(std::floor(disc.centerY)),
+            truncateToInt(std::floor(disc.radius + 0.5))};
 }

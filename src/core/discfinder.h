@@ -1,5 +1,7 @@
 #pragma once
 
+#include "selectioncircle.h"
+
 #include <optional>
 
 class QImage;
@@ -20,3 +22,7 @@ struct FoundDisc {
 ///         a tenth of the shorter side, on photographs with a side below 24 pixels, on a null image
 /// The same photograph gives the same answer on every machine and in every thread; calls may run side by side.
 std::optional<FoundDisc> findDisc(const QImage &photograph);
+
+/// The circle of a disc in whole pixels, as a conversion takes it: its centre is the pixel that holds the disc's,
+/// since offsets are truncated toward zero from the middle of that pixel; its radius is rounded.
+SelectionCircle selectionCircle(const FoundDisc &disc);

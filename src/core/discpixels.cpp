@@ -1,6 +1,7 @@
 #include "discpixels.h"
 
 #include <algorithm>
+#include <new>
 
 namespace
 {
@@ -41,6 +42,8 @@ const QRgb *DiscPixels::row(int y)
         return m_rowOnBlack.data();
     }
     m_row = m_photograph.copy(0, y, width(), 1).convertToFormat(QImage::Format_ARGB32_Premultiplied);
+    if (m_row.isNull())
+        throw std::bad_alloc();
     return reinterpret_cast<const QRgb *>(m_row.constScanLine(0));
 }
 
@@ -54,6 +57,8 @@ QRgb DiscPixels::tileAt(int x, int y)
         const QRect place(column << tileBits, line << tileBits, tileSide, tileSide);
         tile = m_photograph.copy(place & m_photograph.rect())
                    .convertToFormat(QImage::Format_ARGB32_Premultiplied);
+        if (tile.isNull())
+            throw std::bad_alloc();
     }
     const int mask = tileSide - 1;
     return reinterpret_cast<const QRgb *>(tile.constScanLine(y & mask))[x & mask];
