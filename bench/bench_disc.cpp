@@ -114,7 +114,7 @@ double median(std::vector<double> values)
 void printCalibration(const Contestant &contestant)
 {
     out() << "\nConfidence of " << contestant.name << ", answers and their share within 1 %:" << Qt::endl;
-    for (const double least : {0.0, 0.5, 0.8, 0.9, 0.95, 0.98}) {
+    for (const double least : {0.0, 0.5, 0.6, 0.7, 0.8, 0.9, 0.95, 0.98}) {
         int answers = 0;
         int good = 0;
         for (const auto &[confidence, error] : contestant.answers) {

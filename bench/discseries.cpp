@@ -1,6 +1,8 @@
 #include "discseries.h"
 
+#include "beacons.h"
 #include "discpictures.h"
+#include "mapconversion.h"
 
 #include <QDir>
 #include <QPainter>
@@ -8,46 +10,33 @@
 
 #include <algorithm>
 #include <cmath>
+#include <vector>
 
 namespace
 {
 
-constexpr double degree = 0.017453292519943295;
-
-struct Place {
-    double longitudeDeg;
-    double latitudeDeg;
-};
-
-/// Where a point of the photograph lies on a globe seen from afar with north up, by a circle.
-Place placeOf(double x, double y, double centerX, double centerY, double radius)
-{
-    const double u = (x - centerX) / radius;
-    const double v = (centerY - y) / radius;
-    const double w = std::sqrt(std::max(1.0 - u * u - v * v, 0.0));
-    return {std::atan2(u, w) / degree, std::asin(std::clamp(v, -1.0, 1.0)) / degree};
-}
-
-/// The greatest distance, in pixels of a map of 2048 x 1024, between the places that two circles give to a grid
-/// of landmarks within 45 degrees of the disc's centre.
-double landmarkError(const DiscPicture &truth, const FoundDisc &found)
+/// The greatest distance of a beacon on one of the maps from where it lies on average.
+double greatestShift(const std::vector<std::vector<QPointF>> &maps)
 {
     double worst = 0.0;
-    for (int i = -3; i <= 3; ++i) {
-        for (int j = -3; j <= 3; ++j) {
-            if (i * i + j * j > 9)
-                continue;
-            const double step = std::sin(45.0 * degree) / 3.0 * truth.radius;
-            const double x = truth.centerX + i * step;
-            const double y = truth.centerY + j * step;
-            const Place a = placeOf(x, y, truth.centerX, truth.centerY, truth.radius);
-            const Place b = placeOf(x, y, found.centerX, found.centerY, found.radius);
-            const double dx = (a.longitudeDeg - b.longitudeDeg) * 2048.0 / 360.0;
-            const double dy = (a.latitudeDeg - b.latitudeDeg) * 2048.0 / 360.0;
-            worst = std::max(worst, std::sqrt(dx * dx + dy * dy));
-        }
+    for (std::size_t i = 0; i < maps.front().size(); ++i) {
+        QPointF mean;
+        for (const auto &beacons : maps)
+            mean += beacons.at(i) / double(maps.size());
+        for (const auto &beacons : maps)
+            worst = std::max(worst, std::hypot(beacons.at(i).x() - mean.x(), beacons.at(i).y() - mean.y()));
     }
     return worst;
+}
+
+/// The map that ovmic-map makes of a photograph when nothing is said but a circle.
+QImage mapOf(const QImage &photograph, const SelectionCircle &circle)
+{
+    MapParameters parameters;
+    parameters.centerX = circle.centerX;
+    parameters.centerY = circle.centerY;
+    parameters.radius = circle.radius;
+    return convertToMap(photograph, parameters, AzimuthStep::Rotates, {});
 }
 
 } // namespace
@@ -74,7 +63,7 @@ bool measureSeries(const QString &folder, QTextStream &out)
     int missing = 0;
     double worstCentre = 0.0;
     double worstRadius = 0.0;
-    double worstLandmark = 0.0;
+    std::vector<std::vector<QPointF>> beacons;
     for (int i = 0; i < DiscSeries::frameCount; ++i) {
         const DiscPicture picture = series.frame(i);
         const QString name = QString("%1/frame-%2.jpg").arg(folder).arg(i + 1, 2, 10, QChar('0'));
@@ -88,15 +77,15 @@ bool measureSeries(const QString &folder, QTextStream &out)
         const double dy = found->centerY - picture.centerY;
         worstCentre = std::max(worstCentre, std::sqrt(dx * dx + dy * dy) / picture.radius);
         worstRadius = std::max(worstRadius, std::abs(found->radius - picture.radius) / picture.radius);
-        worstLandmark = std::max(worstLandmark, landmarkError(picture, *found));
+        beacons.push_back(beaconsOn(mapOf(QImage(name), selectionCircle(*found))));
     }
     out << QString("%1 frames, %2 without an answer; worst errors: centre %3 %, radius %4 % of the radius, "
-                   "landmark %5 pixels of a map of 2048 x 1024")
+                   "beacons within %5 pixels of their means on maps of 2048 x 1024")
                .arg(DiscSeries::frameCount)
                .arg(missing)
                .arg(worstCentre * 100.0, 0, 'f', 2)
                .arg(worstRadius * 100.0, 0, 'f', 2)
-               .arg(worstLandmark, 0, 'f', 2)
+               .arg(beacons.empty() ? 0.0 : greatestShift(beacons), 0, 'f', 2)
         << Qt::endl;
     return missing == 0;
 }

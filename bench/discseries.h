@@ -14,5 +14,5 @@ class QTextStream;
 QImage markedPicture(const QImage &photograph, const std::optional<FoundDisc> &found);
 
 /// Writes a drifting series into a folder, searches each photograph and prints how far circles and landmarks are
-/// from the truth. @return whether every disc was found
+/// from the truth, and how far the beacons wander on the maps. @return whether every disc was found
 bool measureSeries(const QString &folder, QTextStream &out);

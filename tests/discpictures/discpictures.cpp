@@ -1,5 +1,6 @@
 #include "discpictures.h"
 
+#include "beacons.h"
 #include "draws.h"
 #include "emptypictures.h"
 #include "globe.h"
@@ -345,7 +346,9 @@ DiscPicture DiscSeries::frame(int number) const
     plane.blur(1.0);
     Draws grain(m_seed + 1000U + static_cast<quint32>(number));
     DiscPicture result;
-    result.image = throughJpeg(plane.photograph(3.0, grain), 90);
+    QImage photograph = plane.photograph(3.0, grain);
+    paintBeacons(photograph, globe.centerX, globe.centerY, globe.radius);
+    result.image = throughJpeg(photograph, 90);
     result.hasDisc = true;
     result.centerX = globe.centerX;
     result.centerY = globe.centerY;

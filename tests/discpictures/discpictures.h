@@ -38,7 +38,7 @@ struct DiscPicture {
 DiscPicture discPicture(PictureKind kind, quint32 seed, int longestSide);
 
 /// A series of photographs of one globe seen from afar, 1280 x 960: the disc wanders by 5 % of the radius and
-/// breathes by 2 %, the phase is 40 degrees, and its ground stays the same.
+/// breathes by 2 %, the phase is 40 degrees, and its ground stays the same, with beacons on it.
 class DiscSeries
 {
 public:
