@@ -1,3 +1,5 @@
+#include "circlesearch.h"
+#include "exitstatus.h"
 #include "filenamecodec.h"
 #include "helptext.h"
 #include "mapoptions.h"
@@ -13,10 +15,6 @@
 
 namespace
 {
-
-constexpr int someFailed = 1;
-constexpr int wrongUse = 2;
-constexpr int stoppedBySignal = 128; // plus its number
 
 /// The toolkit's own warnings, about a damaged picture for instance; reasons are reported where they count.
 void ignoreMessage(QtMsgType, const QMessageLogContext &, const QString &)
@@ -58,12 +56,30 @@ int dryRun(const MapPlan &plan, Separator separator)
     return 0;
 }
 
-int convert(const MapPlan &plan, const MapOptions &options)
+/// Replaces a circle that is sought once for all photographs by the one that is found.
+/// @return whether there is one, or none is needed
+bool findCircleOnce(MapOptions &options)
 {
+    const auto *sought = std::get_if<SoughtCircle>(&options.circle);
+    if (!sought || !sought->once || options.photographs.size() == 0)
+        return true;
+    const std::optional<FoundDisc> disc = discOfList(options);
+    if (disc)
+        options.circle = selectionCircle(*disc);
+    return disc.has_value();
+}
+
+int convert(const MapPlan &plan, MapOptions &options)
+{
+    const StopSignals stopSignals;
+    if (!findCircleOnce(options) && StopSignals::received() == 0) {
+        printProblem(
+            QStringLiteral("no disc found on any of the first %1 photographs").arg(searchedForMedian));
+        return someFailed;
+    }
     const QString problem = plan.prepareFolder();
     if (!problem.isEmpty())
         return refuse(problem);
-    const StopSignals stopSignals;
     bool readerGone = false;
     int status = 0;
     {
@@ -94,13 +110,15 @@ int main(int argc, char *argv[])
     const QCoreApplication application(argc, argv);
 
     QString problem;
-    const std::optional<MapOptions> options = readOptions(QCoreApplication::arguments(), problem);
+    std::optional<MapOptions> options = readOptions(QCoreApplication::arguments(), problem);
     if (!options)
         return refuse(problem);
     if (options->action == MapOptions::Action::Help)
         return print(helpText().toUtf8());
     if (options->action == MapOptions::Action::Version)
         return print(versionText().toUtf8());
+    if (options->action == MapOptions::Action::FindCircles)
+        return findCircles(*options);
 
     const std::optional<MapPlan> plan = MapPlan::made(*options, problem);
     if (!plan)

@@ -91,8 +91,11 @@ private:
         m_options.quality = settings.quality;
         if (settings.namesFormat)
             m_options.format = QString::fromLatin1(mapFormat(settings.format));
-        if (p.centerX != 0 && p.centerY != 0 && p.radius != 0) // as when the window loads a photograph
+        // As when the window loads a photograph.
+        if (p.centerX != 0 && p.centerY != 0 && p.radius != 0)
             m_options.circle = SelectionCircle{p.centerX, p.centerY, p.radius};
+        else
+            m_options.circle = FittedCircle{};
     }
 
     void readCircle()
@@ -107,11 +110,17 @@ private:
                                          match.captured(3).toInt(&fits[2])};
             if (value("circle") == QLatin1String("fit"))
                 m_options.circle = FittedCircle{};
+            else if (value("circle") == QLatin1String("find"))
+                m_options.circle = SoughtCircle{};
+            else if (value("circle") == QLatin1String("find-once"))
+                m_options.circle = SoughtCircle{true};
             else if (fits[0] && fits[1] && fits[2])
                 m_options.circle = circle;
             else
                 refuse("circle",
-                       QStringLiteral("\"fit\" or three whole numbers X,Y,RADIUS from %1 to %2 are needed")
+                       QStringLiteral(
+                           "\"find\", \"find-once\", \"fit\" or three whole numbers X,Y,RADIUS from %1 "
+                           "to %2 are needed")
                            .arg(mapvalues::anyLowest)
                            .arg(mapvalues::anyHighest));
         } else if (isSet("circle-file")) {
@@ -120,6 +129,20 @@ private:
                 refuse("circle-file", file.problem);
             m_options.circle = file.circle;
         }
+        readNumber("least-confidence", leastConfidenceOption, m_options.leastConfidence);
+        readSearch();
+    }
+
+    void readSearch()
+    {
+        m_options.printCircles = isSet("print-circle");
+        if (isSet("save-circle")) {
+            m_options.circleFile = value("save-circle");
+            if (m_options.circleFile.isEmpty())
+                refuse("save-circle", QStringLiteral("a path is needed"));
+        }
+        if (m_options.printCircles || !m_options.circleFile.isEmpty())
+            m_options.action = MapOptions::Action::FindCircles;
     }
 
     void readValues()
@@ -186,7 +209,7 @@ private:
         m_options.quiet = isSet("quiet");
         m_options.progressAlways =
             readWord("progress", {QStringLiteral("auto"), QStringLiteral("always")}) == 1;
-        if (isSet("dry-run"))
+        if (isSet("dry-run") && m_options.action == MapOptions::Action::Convert)
             m_options.action = MapOptions::Action::DryRun;
         if (isSet("part"))
             readPart();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "mapconversion.h"
+#include "mapvalues.h"
 #include "nametemplate.h"
 #include "photographlist.h"
 #include "selectioncircle.h"
@@ -15,8 +16,17 @@
 struct FittedCircle {
 };
 
+/// The disc that is found on a photograph.
+struct SoughtCircle {
+    bool once = false; ///< on the first photographs of the list, for all of them: a fixed camera
+};
+
 /// Where the circle of a photograph comes from.
-using CircleSource = std::variant<FittedCircle, SelectionCircle>;
+using CircleSource = std::variant<SoughtCircle, FittedCircle, SelectionCircle>;
+
+/// The least confidence of a disc that counts as found. With the default, fewer than two circles of a hundred are off
+/// by more than 1 % of their radius (docs/disc.md).
+inline constexpr MapValue<double> leastConfidenceOption = {"", 0.8, 0.0, 1.0};
 
 /// What happens to a map that exists already.
 enum class ExistingMap { Fails, IsReplaced, IsDone };
@@ -29,10 +39,13 @@ struct Share {
 
 /// The command line as values.
 struct MapOptions {
-    enum class Action { Convert, DryRun, Help, Version };
+    enum class Action { Convert, DryRun, FindCircles, Help, Version };
     Action action = Action::Convert;
 
     CircleSource circle;
+    double leastConfidence = leastConfidenceOption.defaultValue; ///< of a disc that counts as found
+    bool printCircles = false;                                   ///< FindCircles: a line for each disc
+    QString circleFile;       ///< FindCircles: where the median circle goes; empty: nowhere
     MapParameters parameters; ///< without the circle
     QString format;           ///< "jpg", "png", or empty: the output decides
     int quality = mapvalues::quality.defaultValue;

@@ -1,5 +1,6 @@
 #include "maprun.h"
 
+#include "circlesearch.h"
 #include "mapfile.h"
 #include "mapplan.h"
 #include "photographfile.h"
@@ -21,11 +22,16 @@
 namespace
 {
 
-SelectionCircle circleOn(const QImage &photograph, const CircleSource &source)
+/// @param reason  receives why the disc, where it is sought, is not found
+std::optional<SelectionCircle> circleOn(const QImage &photograph, const MapOptions &options, QString &reason)
 {
-    if (const auto *circle = std::get_if<SelectionCircle>(&source))
+    if (const auto *circle = std::get_if<SelectionCircle>(&options.circle))
         return *circle;
-    return defaultCircle(photograph.size());
+    if (std::holds_alternative<FittedCircle>(options.circle))
+        return defaultCircle(photograph.size());
+    const SoughtDisc sought = soughtDisc(photograph, options.leastConfidence);
+    reason = sought.reason;
+    return sought.disc ? std::optional(selectionCircle(*sought.disc)) : std::nullopt;
 }
 
 /// Whether something has this name, be it a link that leads nowhere.
@@ -72,11 +78,14 @@ private:
         const LoadedPhotograph photograph = loadPhotograph(job.photograph, std::move(m_memory));
         if (!photograph.reason.isEmpty())
             return photograph.reason;
+        QString reason;
+        const std::optional<SelectionCircle> circle = circleOn(photograph.image, m_options, reason);
+        if (!circle)
+            return reason;
         MapParameters parameters = m_options.parameters;
-        const SelectionCircle circle = circleOn(photograph.image, m_options.circle);
-        parameters.centerX = circle.centerX;
-        parameters.centerY = circle.centerY;
-        parameters.radius = circle.radius;
+        parameters.centerX = circle->centerX;
+        parameters.centerY = circle->centerY;
+        parameters.radius = circle->radius;
         const QImage map = convertToMap(photograph.image, parameters, AzimuthStep::Rotates, {});
         if (map.isNull())
             return QStringLiteral("map cannot be made: Not enough memory");

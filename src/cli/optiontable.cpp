@@ -1,5 +1,6 @@
 #include "optiontable.h"
 
+#include "mapoptions.h"
 #include "mapvalues.h"
 
 namespace
@@ -28,12 +29,23 @@ QString ranged(const char *text, const MapValue<T> &value)
 
 OptionGroup circleGroup()
 {
-    return {"Disc of the planet",
-            {withValue(
-                 {"c", "circle"}, "X,Y,RADIUS|fit",
-                 "centre and radius of the disc, in pixels of the photograph, or \"fit\": the middle of each "
-                 "photograph, 0.98 of its shorter half. The default is \"fit\""),
-             withValue({"circle-file"}, "FILE", "take the circle from a parameter file of the window")}};
+    return {
+        "Disc of the planet",
+        {withValue(
+             {"c", "circle"}, "X,Y,RADIUS|find|find-once|fit",
+             "centre and radius of the disc, in pixels of the photograph; \"find\": the disc that is found "
+             "on each photograph; \"find-once\": the median of those found on the first ten, for all, as "
+             "from a fixed camera; \"fit\": the middle of each photograph, 0.98 of its shorter half. The "
+             "default is \"find\", and \"fit\" with a settings file that has no circle"),
+         withValue({"circle-file"}, "FILE", "take the circle from a parameter file of the window"),
+         withValue({"least-confidence"}, "C",
+                   ranged("a disc found with less is no disc found", leastConfidenceOption)),
+         withoutValue({"print-circle"},
+                      "convert nothing; print path, x, y, radius and confidence of each disc found, with "
+                      "tabs between, in pixels whose corners are whole numbers"),
+         withValue({"save-circle"}, "FILE",
+                   "convert nothing; write the disc found on the photographs, of several the median of the "
+                   "first ten, into a parameter file, which the window loads")}};
 }
 
 OptionGroup valueGroup()

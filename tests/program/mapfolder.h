@@ -5,6 +5,7 @@
 #include <QDir>
 #include <QFile>
 #include <QImage>
+#include <QPainter>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -44,6 +45,20 @@ public:
             for (int x = 0; x < size.width(); ++x)
                 picture.setPixel(x, y, qRgb((x * 4 * seed) % 256, (y * 6) % 256, (seed * 37 + x + y) % 256));
         if (!picture.save(filePath(name), nullptr, 90))
+            qFatal("cannot write %s", qPrintable(name));
+    }
+    /// A photograph of 200 x 160 pixels with a bright disc.
+    void writeDisc(const QString &name, double centerX, double centerY, double radius) const
+    {
+        QImage picture(200, 160, QImage::Format_RGB32);
+        picture.fill(qRgb(8, 8, 12));
+        QPainter painter(&picture);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(QColor(180, 170, 150));
+        painter.drawEllipse(QPointF(centerX, centerY), radius, radius);
+        painter.end();
+        if (!picture.save(filePath(name), nullptr, 95))
             qFatal("cannot write %s", qPrintable(name));
     }
     /// Several of them. @return their names

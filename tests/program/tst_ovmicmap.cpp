@@ -41,11 +41,16 @@ void tst_OvmicMap::helpNamesEveryOptionOnce()
     const MapFolder folder;
     const MapFolder::Result result = folder.run({"--help", "--distance", "nonsense"});
     COMPARE_RUN(result, 0, "");
-    for (const char *option :
-         {"circle",        "circle-file", "settings",   "distance", "latitude", "longitude", "azimuth",
-          "size",          "format",      "quality",    "lens",     "output",   "name",      "overwrite",
-          "skip-existing", "world-file",  "files-from", "null",     "part",     "jobs",      "dry-run",
-          "quiet",         "progress",    "help",       "version"}) {
+    for (const char *option : {"circle",       "circle-file", "least-confidence",
+                               "print-circle", "save-circle", "settings",
+                               "distance",     "latitude",    "longitude",
+                               "azimuth",      "size",        "format",
+                               "quality",      "lens",        "output",
+                               "name",         "overwrite",   "skip-existing",
+                               "world-file",   "files-from",  "null",
+                               "part",         "jobs",        "dry-run",
+                               "quiet",        "progress",    "help",
+                               "version"}) {
         const QRegularExpression line(QStringLiteral("^  (-., )?--%1( .*)?$").arg(option),
                                       QRegularExpression::MultilineOption);
         auto matches = line.globalMatch(result.output);
@@ -85,7 +90,7 @@ void tst_OvmicMap::examplesOfTheHelpRun()
     folder.makeFolder("photographs");
     folder.write("ovmic.ini", "[General]\nCenterX=30\nCenterY=20\nRadius=19\n");
     for (const char *name : {"photograph.jpg", "photographs/a.jpg", "photographs/b.jpg"})
-        folder.writePhotograph(name);
+        folder.writeDisc(name, 100, 80, 60);
     const MapFolder::Result result = folder.shell("set -o pipefail\n" + example);
     COMPARE_RUN(result, 0, "");
     QStringList printed = maps.filter(".jpg");
@@ -101,7 +106,7 @@ void tst_OvmicMap::needsNoDisplay()
     for (const char *name : {"QT_QPA_PLATFORM", "DISPLAY", "WAYLAND_DISPLAY", "LC_ALL", "LANG", "HOME"})
         folder.environment().remove(name);
     folder.writePhotograph("a.png");
-    COMPARE_RUN(folder.run({"a.png"}), 0, "");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png"}), 0, "");
     const MapFolder::Result libraries = folder.shell("ldd " + MapFolder::program());
     QVERIFY(libraries.output.contains("libQt5Gui"));
     QVERIFY(!libraries.output.contains("libQt5Widgets"));
@@ -122,7 +127,7 @@ void tst_OvmicMap::mapLiesBesideThePhotograph()
     const MapFolder folder;
     folder.makeFolder("in");
     folder.writePhotograph("in/a.v2.png");
-    const MapFolder::Result result = folder.run({"in/a.v2.png"});
+    const MapFolder::Result result = folder.run({"-c", "fit", "in/a.v2.png"});
     COMPARE_RUN(result, 0, "");
     QCOMPARE(result.output, QByteArray("in/OV-a.jpg\n"));
     QCOMPARE(folder.namesIn("in"), (QStringList{"OV-a.jpg", "a.v2.png"}));
@@ -242,7 +247,7 @@ void tst_OvmicMap::noDebugLines()
     folder.writePhotograph("whole.jpg", 3, {300, 200});
     const QByteArray bytes = folder.read("whole.jpg");
     folder.write("cut.jpg", bytes.left(bytes.size() * 2 / 3));
-    COMPARE_RUN(folder.run({"cut.jpg", "--azimuth", "30", "--latitude", "90"}), 0, "");
+    COMPARE_RUN(folder.run({"cut.jpg", "-c", "fit", "--azimuth", "30", "--latitude", "90"}), 0, "");
 }
 
 QTEST_GUILESS_MAIN(tst_OvmicMap)

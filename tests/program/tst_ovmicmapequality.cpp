@@ -65,6 +65,7 @@ private slots:
     void sameBytesFromTheSettingsFile();
     void sameBytesAsABatch();
     void lensNoneIsAnotherMap();
+    void savedCircleIsLoaded();
 };
 
 void tst_OvmicMapEquality::sameBytes_data()
@@ -188,7 +189,7 @@ void tst_OvmicMapEquality::lensNoneIsAnotherMap()
 {
     const MapFolder folder;
     QVERIFY(colourfulPhotograph().save(folder.filePath("photo.png")));
-    const QStringList near = {"photo.png", "-d", "6.6"};
+    const QStringList near = {"photo.png", "-c", "fit", "-d", "6.6"};
     COMPARE_RUN(folder.run(near + QStringList{"-o", "default.png"}), 0, "");
     COMPARE_RUN(folder.run(near + QStringList{"-o", "corrected.png", "--lens", "corrected"}), 0, "");
     COMPARE_RUN(folder.run(near + QStringList{"-o", "none.png", "--lens", "none"}), 0, "");
@@ -200,9 +201,26 @@ void tst_OvmicMapEquality::lensNoneIsAnotherMap()
     conversion.lensCorrected = false;
     COMPARE_IMAGES(QImage(folder.filePath("none.png")), reference::convert(photograph, conversion));
     // Far away the correction does nothing.
-    COMPARE_RUN(folder.run({"photo.png", "-d", "60", "-o", "far.png"}), 0, "");
-    COMPARE_RUN(folder.run({"photo.png", "-d", "60", "-o", "far-none.png", "--lens", "none"}), 0, "");
+    COMPARE_RUN(folder.run({"photo.png", "-c", "fit", "-d", "60", "-o", "far.png"}), 0, "");
+    COMPARE_RUN(folder.run({"photo.png", "-c", "fit", "-d", "60", "-o", "far-none.png", "--lens", "none"}), 0,
+                "");
     QVERIFY(folder.read("far.png") == folder.read("far-none.png"));
+}
+
+void tst_OvmicMapEquality::savedCircleIsLoaded()
+{
+    const MapFolder folder;
+    folder.writeDisc("photo.png", 90.3, 81.8, 60.4);
+    COMPARE_RUN(folder.run({"--save-circle", "camera", "photo.png"}), 0, "");
+    FreshWindow window;
+    window.open(QImage(folder.filePath("photo.png")));
+    ModalDriver driver;
+    driver.expect<QFileDialog>([&](QFileDialog *picker) { pickPath(picker, folder.filePath("camera")); });
+    window.ui->actionLoad_Param->trigger();
+    QVERIFY(driver.done());
+    QCOMPARE(window.centerX, 90);
+    QCOMPARE(window.centerY, 81);
+    QCOMPARE(window.radius, 60);
 }
 
 WINDOW_TEST_MAIN(tst_OvmicMapEquality)

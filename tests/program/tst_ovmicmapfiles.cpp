@@ -69,7 +69,7 @@ void tst_OvmicMapFiles::fileForASinglePhotograph()
     COMPARE_RUN(result, 0, "");
     QCOMPARE(result.output, QByteArray("map\n"));
     QCOMPARE(QImage(folder.filePath("map"), "jpg").size(), QSize(64, 32));
-    COMPARE_RUN(folder.run({"a.png", "-o", "missing/map.jpg"}), 1,
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "-o", "missing/map.jpg"}), 1,
                 "ovmic-map: a.png: map cannot be written: No such file or directory\n");
 }
 
@@ -79,12 +79,13 @@ void tst_OvmicMapFiles::formatFollowsTheFile()
     folder.writePhotograph("a.png");
     const QByteArray png("\x89PNG");
     const QByteArray jpeg("\xff\xd8\xff");
-    COMPARE_RUN(folder.run({"a.png", "-o", "by-extension.PNG"}), 0, "");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "-o", "by-extension.PNG"}), 0, "");
     QVERIFY(folder.read("by-extension.PNG").startsWith(png));
-    COMPARE_RUN(folder.run({"a.png", "-o", "option-wins.png", "-f", "jpg"}), 0, "");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "-o", "option-wins.png", "-f", "jpg"}), 0, "");
     QVERIFY(folder.read("option-wins.png").startsWith(jpeg));
     folder.write("jpeg.ini", "[General]\nOutputFormat=0\n");
-    COMPARE_RUN(folder.run({"a.png", "-o", "settings-win.png", "--settings", "jpeg.ini"}), 0, "");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "-o", "settings-win.png", "--settings", "jpeg.ini"}), 0,
+                "");
     QVERIFY(folder.read("settings-win.png").startsWith(jpeg));
     folder.write("png.ini", "[General]\nOutputFormat=1\n");
     const MapFolder::Result result = folder.run({"a.png", "--settings", "png.ini"});
@@ -139,7 +140,7 @@ void tst_OvmicMapFiles::interruptedRunIsStartedAgain()
 {
     const MapFolder folder;
     const QStringList photographs = folder.writePhotographs("in", 60);
-    const QStringList arguments = photographs + QStringList{"-o", "maps", "--skip-existing"};
+    const QStringList arguments = photographs + QStringList{"-c", "fit", "-o", "maps", "--skip-existing"};
     QProcess process;
     folder.start(process, MapFolder::program(), arguments);
     QVERIFY(process.waitForReadyRead(30000));
@@ -150,7 +151,7 @@ void tst_OvmicMapFiles::interruptedRunIsStartedAgain()
     const MapFolder::Result result = folder.run(arguments);
     COMPARE_RUN(result, 0, "");
     QCOMPARE(result.output.count('\n'), 60 - before);
-    COMPARE_RUN(folder.run(photographs + QStringList{"-o", "whole"}), 0, "");
+    COMPARE_RUN(folder.run(photographs + QStringList{"-c", "fit", "-o", "whole"}), 0, "");
     QCOMPARE(folder.namesIn("whole").size(), 60);
     for (const QString &name : folder.namesIn("whole"))
         QCOMPARE(folder.read("maps/" + name), folder.read("whole/" + name));
@@ -175,7 +176,7 @@ void tst_OvmicMapFiles::photographsAreFittedOneByOne()
     const MapFolder folder;
     folder.writePhotograph("wide.png", 2, {100, 50});
     folder.writePhotograph("high.png", 3, {60, 120});
-    COMPARE_RUN(folder.run({"wide.png", "high.png", "-f", "png", "-o", "fit"}), 0, "");
+    COMPARE_RUN(folder.run({"wide.png", "high.png", "-c", "fit", "-f", "png", "-o", "fit"}), 0, "");
     COMPARE_RUN(folder.run({"wide.png", "-c", "50,25,24", "-f", "png", "-o", "expected/"}), 0, "");
     COMPARE_RUN(folder.run({"high.png", "-c", "30,60,29", "-f", "png", "-o", "expected/"}), 0, "");
     for (const char *name : {"OV-wide.png", "OV-high.png"})
@@ -241,9 +242,9 @@ void tst_OvmicMapFiles::worldFiles()
 {
     const MapFolder folder;
     folder.writePhotograph("a.png");
-    COMPARE_RUN(folder.run({"a.png", "--world-file"}), 0, "");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "--world-file"}), 0, "");
     QCOMPARE(folder.read("OV-a.jgw"), QByteArray("0.17578125\n0\n0\n-0.17578125\n-180\n90\n"));
-    COMPARE_RUN(folder.run({"a.png", "--world-file", "-f", "png", "-s", "1024x2048"}), 0, "");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "--world-file", "-f", "png", "-s", "1024x2048"}), 0, "");
     QCOMPARE(folder.read("OV-a.pgw"), QByteArray("0.3515625\n0\n0\n-0.087890625\n-180\n90\n"));
     QCOMPARE(folder.namesIn("."), (QStringList{"OV-a.jgw", "OV-a.jpg", "OV-a.pgw", "OV-a.png", "a.png"}));
 }
@@ -252,7 +253,7 @@ void tst_OvmicMapFiles::worldFileIsReadByGdal()
 {
     const MapFolder folder;
     folder.writePhotograph("a.png");
-    COMPARE_RUN(folder.run({"a.png", "--world-file", "-f", "png"}), 0, "");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "--world-file", "-f", "png"}), 0, "");
     const MapFolder::Result installed = folder.shell("command -v gdalinfo");
     if (installed.status != 0)
         return; // what stands in the file has been compared above
@@ -269,13 +270,14 @@ void tst_OvmicMapFiles::worldFileOfSomebodyElseIsLeftAlone()
     const MapFolder folder;
     folder.writePhotograph("a.png");
     folder.write("OV-a.jgw", "somebody's\n");
-    COMPARE_RUN(folder.run({"a.png", "--world-file"}), 1, "ovmic-map: a.png: world file exists: OV-a.jgw\n");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "--world-file"}), 1,
+                "ovmic-map: a.png: world file exists: OV-a.jgw\n");
     QCOMPARE(folder.namesIn("."), (QStringList{"OV-a.jgw", "a.png"}));
     // One that a killed run of the same command left is no obstacle.
     folder.write("OV-a.jgw", "0.17578125\n0\n0\n-0.17578125\n-180\n90\n");
-    COMPARE_RUN(folder.run({"a.png", "--world-file"}), 0, "");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "--world-file"}), 0, "");
     folder.write("OV-a.jgw", "somebody's\n");
-    COMPARE_RUN(folder.run({"a.png", "--world-file", "--overwrite"}), 0, "");
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "--world-file", "--overwrite"}), 0, "");
     QCOMPARE(folder.read("OV-a.jgw"), QByteArray("0.17578125\n0\n0\n-0.17578125\n-180\n90\n"));
 }
 

@@ -101,11 +101,11 @@ void tst_OvmicMapHostile::pipesFoldersAndDevices()
     QCOMPARE(folder.namesIn("maps"), QStringList());
     // The map's own place.
     folder.writePhotograph("a.png");
-    COMPARE_RUN(folder.run({"a.png", "-o", "pipe.png", "--overwrite"}), 1,
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "-o", "pipe.png", "--overwrite"}), 1,
                 "ovmic-map: a.png: map cannot be written: Not a regular file\n");
-    COMPARE_RUN(folder.run({"a.png", "-o", "ring.png", "--overwrite"}), 1,
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "-o", "ring.png", "--overwrite"}), 1,
                 "ovmic-map: a.png: map cannot be written: The link leads nowhere\n");
-    COMPARE_RUN(folder.run({"a.png", "-o", "/dev/full", "--overwrite"}), 1,
+    COMPARE_RUN(folder.run({"-c", "fit", "a.png", "-o", "/dev/full", "--overwrite"}), 1,
                 "ovmic-map: a.png: map cannot be written: Not a regular file\n");
 }
 
@@ -116,7 +116,7 @@ void tst_OvmicMapHostile::pictureThatUnfoldsWithoutEnd()
     QByteArray bytes = folder.read("a.jpg");
     const int frame = bytes.indexOf("\xff\xc0");
     folder.write("a.jpg", bytes.replace(frame + 5, 4, "\xff\xdc\xff\xdc"));
-    const MapFolder::Result result = folder.run({"a.jpg"});
+    const MapFolder::Result result = folder.run({"-c", "fit", "a.jpg"});
     QCOMPARE(result.status, 1);
     QVERIFY2(result.errors.startsWith("ovmic-map: a.jpg: cannot be read: "), result.errors.constData());
     QCOMPARE(result.errors.count('\n'), 1);
@@ -147,7 +147,7 @@ void tst_OvmicMapHostile::textsThatUnfoldWithoutEnd()
     folder.write("a.png", bytes);
     folder.writePhotograph("b.png");
     const MapFolder::Result result =
-        folder.shell(QStringLiteral("ulimit -v %1; ovmic-map -j1 -o maps a.png b.png")
+        folder.shell(QStringLiteral("ulimit -v %1; ovmic-map -c fit -j1 -o maps a.png b.png")
                          .arg(limited ? "4000000" : "unlimited"));
     QVERIFY(result.finished);
     QVERIFY2(result.output.endsWith("maps/OV-b.jpg\n"), result.output.constData());
@@ -292,7 +292,7 @@ void tst_OvmicMapHostile::readOnlyFolder()
     QVERIFY(QFile::setPermissions(folder.filePath("maps"), QFile::ReadOwner | QFile::ExeOwner));
     MapFolder::Result result;
     QCOMPARE(asOrdinaryUser([&] {
-                 result = folder.run({"a.png", "--overwrite", "-o", "maps"});
+                 result = folder.run({"-c", "fit", "a.png", "--overwrite", "-o", "maps"});
                  return result.status == 1 &&
                         result.errors == "ovmic-map: a.png: map cannot be written: Permission denied\n";
              }),
@@ -314,8 +314,8 @@ void tst_OvmicMapHostile::littleMemory()
         if (folder.shell(limit + "ovmic-map --version").status != 0)
             continue; // the libraries alone need more
         // The system may refuse the threads too, so the run itself has to see to its end.
-        const MapFolder::Result result =
-            folder.shell(limit + "ovmic-map -j4 -s 4096x2048 -n '{number}' -o maps a.png a.png a.png a.png");
+        const MapFolder::Result result = folder.shell(
+            limit + "ovmic-map -c fit -j4 -s 4096x2048 -n '{number}' -o maps a.png a.png a.png a.png");
         QVERIFY2(result.finished, qPrintable(QString::number(megabytes)));
         const int made = result.output.count('\n');
         QCOMPARE(result.errors.count('\n'), 4 - made);

@@ -9,7 +9,7 @@
 namespace
 {
 
-const QStringList slowMaps = {"-s", "2048x2048", "-f", "png", "-o", "maps"};
+const QStringList slowMaps = {"-c", "fit", "-s", "2048x2048", "-f", "png", "-o", "maps"};
 
 /// Sends a signal to a process that is still there: the number 0 would mean this test and all around it.
 bool send(const QProcess &process, int signal)
@@ -123,7 +123,8 @@ void tst_OvmicMapSignals::secondSignalEndsAtOnce()
     folder.writePhotograph("a.png");
     // Large: encoding takes seconds, in which both signals come.
     QProcess process;
-    folder.start(process, MapFolder::program(), {"a.png", "-s", "8192x8192", "-f", "png", "-o", "maps/"});
+    folder.start(process, MapFolder::program(),
+                 {"-c", "fit", "a.png", "-s", "8192x8192", "-f", "png", "-o", "maps/"});
     QTRY_VERIFY_WITH_TIMEOUT(secondsUsed(process) > 0.3, 60000); // starting takes a small part of that
     QVERIFY(send(process, SIGTERM));
     QTRY_VERIFY(hasTakenSignals(process));

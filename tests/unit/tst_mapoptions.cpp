@@ -21,12 +21,14 @@ std::optional<MapOptions> read(const QStringList &arguments, QString *problem = 
     return options;
 }
 
-/// "x,y,radius", or "fit".
+/// What --circle takes.
 QString circleText(const MapOptions &options)
 {
-    const auto *circle = std::get_if<SelectionCircle>(&options.circle);
-    return circle ? QStringLiteral("%1,%2,%3").arg(circle->centerX).arg(circle->centerY).arg(circle->radius)
-                  : QStringLiteral("fit");
+    if (const auto *circle = std::get_if<SelectionCircle>(&options.circle))
+        return QStringLiteral("%1,%2,%3").arg(circle->centerX).arg(circle->centerY).arg(circle->radius);
+    if (const auto *sought = std::get_if<SoughtCircle>(&options.circle))
+        return sought->once ? QStringLiteral("find-once") : QStringLiteral("find");
+    return QStringLiteral("fit");
 }
 
 } // namespace
@@ -38,6 +40,7 @@ class tst_MapOptions : public QObject
 private slots:
     void defaultsAreThoseOfTheWindow();
     void everyValueArrives();
+    void searchInsteadOfMaps();
     void shortNames();
     void limitsAreAllowed_data();
     void limitsAreAllowed();
@@ -59,7 +62,8 @@ void tst_MapOptions::defaultsAreThoseOfTheWindow()
     const auto options = read({"a.jpg"});
     QVERIFY(options);
     QVERIFY(options->action == MapOptions::Action::Convert);
-    QCOMPARE(circleText(*options), QString("fit"));
+    QCOMPARE(circleText(*options), QString("find")); // where the window fits one
+    QCOMPARE(options->leastConfidence, 0.8);
     QCOMPARE(options->parameters.distance, 100.0);
     QCOMPARE(options->parameters.outputSizeX, 2048);
     QCOMPARE(options->parameters.outputSizeY, 1024);
@@ -109,6 +113,21 @@ void tst_MapOptions::everyValueArrives()
     QCOMPARE(options->photographs.at(2), QString("--b.jpg"));
 }
 
+void tst_MapOptions::searchInsteadOfMaps()
+{
+    auto options = read({"--print-circle", "a.jpg", "--least-confidence", "0.25"});
+    QVERIFY(options);
+    QVERIFY(options->action == MapOptions::Action::FindCircles);
+    QVERIFY(options->printCircles);
+    QCOMPARE(options->circleFile, QString());
+    QCOMPARE(options->leastConfidence, 0.25);
+    options = read({"--save-circle", "camera.ini", "a.jpg", "--dry-run"});
+    QVERIFY(options);
+    QVERIFY(options->action == MapOptions::Action::FindCircles);
+    QVERIFY(!options->printCircles);
+    QCOMPARE(options->circleFile, QString("camera.ini"));
+}
+
 void tst_MapOptions::shortNames()
 {
     const auto options = read({"-c", "4,5,6", "-d6.6", "-s", "1024x1024", "-fpng", "-o", "out", "-n",
@@ -143,6 +162,8 @@ void tst_MapOptions::limitsAreAllowed_data()
     QTest::newRow("jobs") << QStringList{"--jobs=1"};
     QTest::newRow("jobs, highest") << QStringList{"--jobs=256"};
     QTest::newRow("part") << QStringList{"--part=1/1"};
+    QTest::newRow("confidence") << QStringList{"--least-confidence=0"};
+    QTest::newRow("confidence, highest") << QStringList{"--least-confidence=1"};
     QTest::newRow("circle") << QStringList{"--circle=-2147483648,2147483647,-1"};
 }
 
@@ -181,11 +202,16 @@ void tst_MapOptions::wrongValuesAreRefused_data()
     row("progress", {"--progress", "no"}, "--progress no: auto or always is needed");
     row("jobs", {"--jobs", "0"}, "--jobs 0: a whole number from 1 to 256 is needed");
     row("two numbers for a circle", {"-c", "1,2"},
-        "--circle 1,2: \"fit\" or three whole numbers X,Y,RADIUS from -2147483648 to 2147483647 are needed");
+        "--circle 1,2: \"find\", \"find-once\", \"fit\" or three whole numbers X,Y,RADIUS from -2147483648 "
+        "to 2147483647 are needed");
     row("too large a circle", {"-c", "1,2,2147483648"},
-        "--circle 1,2,2147483648: \"fit\" or three whole numbers X,Y,RADIUS from -2147483648 to 2147483647 "
+        "--circle 1,2,2147483648: \"find\", \"find-once\", \"fit\" or three whole numbers X,Y,RADIUS from "
+        "-2147483648 to 2147483647 "
         "are "
         "needed");
+    row("confidence", {"--least-confidence", "1.01"},
+        "--least-confidence 1.01: a number from 0 to 1 is needed");
+    row("no path for a circle", {"--save-circle", ""}, "--save-circle : a path is needed");
     row("part 0", {"--part", "0/4"}, "--part 0/4: I/N, two whole numbers with 1 <= I <= N, is needed");
     row("part beyond", {"--part", "5/4"}, "--part 5/4: I/N, two whole numbers with 1 <= I <= N, is needed");
     row("part without a slash", {"--part", "5"},
@@ -234,6 +260,8 @@ void tst_MapOptions::circles_data()
         << QByteArray("[General]\nDistance=6\n") << QStringList() << "fit";
     QTest::newRow("an option wins") << whole << QStringList{"-c", "1,2,3"} << "1,2,3";
     QTest::newRow("fit wins") << whole << QStringList{"-c", "fit"} << "fit";
+    QTest::newRow("find wins") << whole << QStringList{"-c", "find"} << "find";
+    QTest::newRow("find-once wins") << whole << QStringList{"-c", "find-once"} << "find-once";
     QTest::newRow("zeros of an option count") << whole << QStringList{"-c", "0,0,0"} << "0,0,0";
 }
 
@@ -348,11 +376,11 @@ void tst_MapOptions::everyOptionIsTaken()
             QString problem;
             const QString name = "--" + option.names().last();
             const bool refused = !read({name, "/", "a.jpg"}, &problem);
-            QVERIFY2(refused == (name != "--output"), qPrintable(name));
+            QVERIFY2(refused == (name != "--output" && name != "--save-circle"), qPrintable(name));
             QVERIFY2(!refused || problem.startsWith(name + " /: "), qPrintable(problem));
         }
     }
-    QCOMPARE(count, 25);
+    QCOMPARE(count, 28);
 }
 
 QTEST_GUILESS_MAIN(tst_MapOptions)
