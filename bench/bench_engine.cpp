@@ -68,7 +68,7 @@ QImage kernelMap(const BenchCase &c)
     const MapRotation mapRotation = {(columnShift(-p.azimuth, width) + width) % width, int(90 - p.latitude),
                                      (columnShift(p.longitude + 90, width) + width) % width};
     paintComposedMap(NearSidedPerspective(perspectiveParameters(p, c.photograph.size())),
-                     photographView(c.photograph), mapRotation, canvasView(map), [](int) {});
+                     photographView(c.photograph), mapRotation, canvasView(map), {});
     return map;
 }
 

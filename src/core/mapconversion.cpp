@@ -1,5 +1,6 @@
 #include "mapconversion.h"
 
+#include "canvaspages.h"
 #include "composedmap.h"
 #include "convertimage.h"
 #include "integers.h"
@@ -98,7 +99,11 @@ std::optional<QImage> composedMap(const QImage &photograph, const MapParameters 
             listener.rowDone();
     };
     const projection::NearSidedPerspective perspective(perspectiveParameters(parameters, photograph.size()));
-    if (!paintComposedMap(perspective, photographView(photograph), *rotation, canvasView(map), tellRows))
+    const CanvasPages pages(size_t(map.sizeInBytes()));
+    const projection::PaintListener painting = {
+        tellRows, [&](const projection::PixelRanges &pixels) { pages.mapBegins(pixels); },
+        [&](const projection::PixelRanges &pixels) { pages.bandBegins(pixels); }};
+    if (!paintComposedMap(perspective, photographView(photograph), *rotation, canvasView(map), painting))
         return {};
     if (listener.samplesCounted)
         listener.samplesCounted(0); // no row of the chain lies above its map

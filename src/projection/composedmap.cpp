@@ -118,8 +118,8 @@ private:
 } // namespace
 
 bool paintComposedMap(const NearSidedPerspective &perspective, const ConstImageView &photograph,
-                      const MapRotation &mapRotation, const ImageView &canvas,
-                      const std::function<void(int)> &progress, ApproximateSources approximate)
+                      const MapRotation &mapRotation, const ImageView &canvas, const PaintListener &listener,
+                      ApproximateSources approximate)
 {
     const int width = canvas.width;
     const int height = canvas.height;
@@ -140,9 +140,17 @@ bool paintComposedMap(const NearSidedPerspective &perspective, const ConstImageV
         withPixelFinish(photograph, [&](auto finish) {
             const DiscSource source(mirror, rows, directions, sample, photograph.pixels, finish);
             TiledRemap remap(source, mapRotation.longitudeShift, canvas, approximate);
-            remap.paint([&](int rowsDone) {
-                progress(static_cast<int>((rows.count() * rowsDone + height - 1) / height));
-            });
+            if (listener.mapBegins)
+                listener.mapBegins(remap.painted(0, height));
+            const auto bandBegins = [&](const PixelRanges &pixels) {
+                if (listener.bandBegins)
+                    listener.bandBegins(pixels);
+            };
+            const auto rowsDone = [&](int done) {
+                if (listener.rowsDone)
+                    listener.rowsDone(static_cast<int>((rows.count() * done + height - 1) / height));
+            };
+            remap.paint(bandBegins, rowsDone);
         });
     };
     if (bounds == SampleBounds::Inside)

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <vector>
 
 namespace projection
 {
@@ -25,5 +26,14 @@ struct ImageView {
     int width = 0;
     int height = 0;
 };
+
+/// Pixels of an image in a row of it, from `begin` to before `end`, or those of several whole rows.
+struct PixelRange {
+    uint32_t *begin = nullptr;
+    uint32_t *end = nullptr;
+};
+
+/// By their addresses, apart from each other.
+using PixelRanges = std::vector<PixelRange>;
 
 } // namespace projection

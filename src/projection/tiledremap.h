@@ -5,6 +5,7 @@
 #include "imageview.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
@@ -66,30 +67,82 @@ public:
     }
 
     /// Paints from the top downwards in bands, each tile by tile: neighbouring rows read neighbouring pixels.
-    /// @param rowsDone  told after each band how many rows of the map are finished
-    template <typename RowsDone>
-    void paint(RowsDone rowsDone)
+    /// @param willPaint  told before each band which pixels of the canvas it paints
+    /// @param rowsDone   told after each band how many rows of the map are finished
+    template <typename WillPaint, typename RowsDone>
+    void paint(WillPaint willPaint, RowsDone rowsDone)
     {
-        constexpr int bandRows = 32; // with tiles of 512 columns: what the nearest cache holds
         for (int top = 0; top < m_rotation.height(); top += bandRows) {
             const int bottom = std::min(top + bandRows, m_rotation.height());
+            willPaint(painted(top, bottom));
             paintBand(top, bottom);
             rowsDone(bottom);
         }
     }
+    template <typename RowsDone>
+    void paint(RowsDone rowsDone)
+    {
+        paint([](const PixelRanges &) {}, rowsDone);
+    }
+
+    /// The pixels of the canvas that are painted in rows from `top` to before `bottom`.
+    const PixelRanges &painted(int top, int bottom)
+    {
+        m_painted.clear();
+        for (int y = top; y < bottom; ++y) {
+            const Span pairs = m_source.pairs(y);
+            if (pairs.begin >= pairs.end)
+                continue;
+            std::array<PixelRange, 4> ofRow;
+            const int count = rangesOfRow(y, pairs, ofRow);
+            for (int i = 0; i < count; ++i) {
+                const PixelRange &range = ofRow[size_t(i)];
+                if (!m_painted.empty() && range.begin <= m_painted.back().end)
+                    m_painted.back().end = std::max(m_painted.back().end, range.end);
+                else
+                    m_painted.push_back(range);
+            }
+        }
+        return m_painted;
+    }
 
 private:
+    static constexpr int bandRows = 32; // with tiles of 512 columns: what the nearest cache holds
+
     void paintBand(int top, int bottom)
     {
+        std::array<Span, bandRows> shown;
+        for (int y = top; y < bottom; ++y)
+            shown[size_t(y - top)] = m_source.pairs(y);
         for (const Span &tile : m_tiles)
             for (int y = top; y < bottom; ++y) {
-                const Span pairs = m_source.pairs(y);
+                const Span pairs = shown[size_t(y - top)];
                 const int begin = std::max(tile.begin, pairs.begin);
                 const int end = std::min(tile.end, pairs.end);
                 if (begin < end)
                     paintPairs(y, begin, end);
             }
         m_gather.flush();
+    }
+
+    /// The columns of the pairs and those of their mirrors, by their addresses; either may pass the edge.
+    /// @return how many ranges there are
+    int rangesOfRow(int y, Span pairs, std::array<PixelRange, 4> &ranges) const
+    {
+        uint32_t *const line = m_canvas.pixels + y * m_canvas.stride;
+        const int width = m_rotation.width();
+        const int columns = pairs.end - pairs.begin;
+        int count = 0;
+        for (const int first : {canvasColumn(m_mirror.column(pairs.begin)),
+                                canvasColumn(m_mirror.mirroredColumn(pairs.end - 1))}) {
+            const int toEdge = std::min(columns, width - first);
+            ranges[size_t(count++)] = {line + first, line + first + toEdge};
+            if (toEdge < columns)
+                ranges[size_t(count++)] = {line, line + columns - toEdge};
+        }
+        std::sort(ranges.begin(), ranges.begin() + count,
+                  [](const PixelRange &a, const PixelRange &b) { return a.begin < b.begin; });
+        return count;
     }
 
     int canvasColumn(int mapColumn) const
@@ -153,6 +206,7 @@ private:
     ApproxSources m_approx;
     GatherQueue<decltype(std::declval<const Source &>().finish())> m_gather;
     std::vector<Span> m_tiles;
+    PixelRanges m_painted;
 };
 
 } // namespace projection

@@ -41,7 +41,7 @@ QImage composedWithScalars(const Case &c)
                                      (longitudeShift + width) % width};
     const bool covered = paintComposedMap(
         NearSidedPerspective(perspectiveParameters(p, photograph.size())), photographView(photograph),
-        mapRotation, canvasView(map), [](int) {}, approximateSourcesScalar);
+        mapRotation, canvasView(map), {}, approximateSourcesScalar);
     return covered ? map : QImage();
 }
 
@@ -286,7 +286,7 @@ void tst_ComposedMap::leavesWhatItDoesNotCover()
         QVector<quint32> canvas(size.width() * size.height());
         const bool covered =
             paintComposedMap(NearSidedPerspective(parameters), pixels, {0, 55, 0},
-                             {canvas.data(), size.width(), size.width(), size.height()}, [](int) {});
+                             {canvas.data(), size.width(), size.width(), size.height()}, {});
         return covered || std::count(canvas.begin(), canvas.end(), 0U) != canvas.size();
     };
     QVERIFY(covers({64, 32}, 10));
@@ -314,7 +314,7 @@ void tst_ComposedMap::tellsEveryRowOnceAndInOrder()
         canvas.fill(0xff00ff00U); // what an event does to the canvas must not be read again
     };
     QVERIFY(paintComposedMap(perspective, {photograph.data(), 20, 20, 20, 0xff000000U}, {0, 55, 0},
-                             {canvas.data(), 64, 64, 100}, rowsOnceTold));
+                             {canvas.data(), 64, 64, 100}, {rowsOnceTold, {}, {}}));
     QVERIFY(told.size() > 1);
     QVERIFY(std::is_sorted(told.begin(), told.end()));
     QCOMPARE(told.last(), 50 - int(perspective.edgeRow()));

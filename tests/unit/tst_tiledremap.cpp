@@ -119,6 +119,7 @@ private slots:
     void pairsOutsideTheSpanStay();
     void positionsOutsideTheSourceStay();
     void rowsAreToldBandByBand();
+    void paintedPixelsAreToldBefore();
 };
 
 void tst_TiledRemap::everyPixelIsPaintedOnce_data()
@@ -230,6 +231,42 @@ void tst_TiledRemap::rowsAreToldBandByBand()
     QCOMPARE(toldFor(32), QVector<int>{32});
     QCOMPARE(toldFor(33), (QVector<int>{32, 33}));
     QCOMPARE(toldFor(70), (QVector<int>{32, 64, 70}));
+}
+
+// Of each band exactly the pixels that it then paints, in ranges that lie apart and in order.
+void tst_TiledRemap::paintedPixelsAreToldBefore()
+{
+    for (const QSize &size : {QSize(12, 4), QSize(1026, 40), QSize(4, 33)}) {
+        for (const int shift : {0, 1, 3, size.width() - 1}) {
+            for (const double share : {0.0, 0.3, 1.0}) {
+                NumberedSource source(55, size);
+                const int count = source.mirror().count();
+                source.shown = {int(count * (1.0 - share) / 2.0), int(count * (1.0 + share) / 2.0)};
+                Canvas canvas(size);
+                QVector<uint32_t *> announced;
+                const auto willPaint = [&](const PixelRanges &ranges) {
+                    for (const PixelRange &range : ranges) {
+                        QVERIFY(range.begin < range.end);
+                        QVERIFY(announced.isEmpty() || announced.last() < range.begin);
+                        for (uint32_t *pixel = range.begin; pixel != range.end; ++pixel) {
+                            QCOMPARE(*pixel, untouched);
+                            announced.append(pixel);
+                        }
+                    }
+                };
+                TiledRemap remap(source, shift, canvas.view(), &allUncertain);
+                remap.paint(willPaint, [](int) {});
+                int painted = 0;
+                for (int y = 0; y < size.height(); ++y)
+                    for (int x = 0; x < size.width(); ++x)
+                        painted += canvas.at(x, y) != untouched ? 1 : 0;
+                QCOMPARE(announced.size(), painted);
+                for (const uint32_t *pixel : announced)
+                    QVERIFY(*pixel != untouched);
+                QVERIFY(share < 1.0 || painted == size.width() * size.height());
+            }
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_TiledRemap)
