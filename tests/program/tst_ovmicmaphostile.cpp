@@ -1,22 +1,12 @@
 // ovmic-map and whatever else can lie in its way: damaged pictures and files, pipes, devices, full disks.
 
 #include "faults.h"
+#include "hostilepictures.h"
 #include "mapfolder.h"
+#include "memorylimit.h"
 #include "rng.h"
 
 #include <sys/stat.h>
-
-namespace
-{
-
-/// Whether the address space of the program can be limited.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool limited = false; // the sanitizer itself needs more
-#else
-constexpr bool limited = true;
-#endif
-
-} // namespace
 
 class tst_OvmicMapHostile : public QObject
 {
@@ -112,10 +102,7 @@ void tst_OvmicMapHostile::pipesFoldersAndDevices()
 void tst_OvmicMapHostile::pictureThatUnfoldsWithoutEnd()
 {
     const MapFolder folder;
-    folder.writePhotograph("a.jpg");
-    QByteArray bytes = folder.read("a.jpg");
-    const int frame = bytes.indexOf("\xff\xc0");
-    folder.write("a.jpg", bytes.replace(frame + 5, 4, "\xff\xdc\xff\xdc"));
+    folder.write("a.jpg", jpegOfSize(65500, 65500));
     const MapFolder::Result result = folder.run({"-c", "fit", "a.jpg"});
     QCOMPARE(result.status, 1);
     QVERIFY2(result.errors.startsWith("ovmic-map: a.jpg: cannot be read: "), result.errors.constData());
@@ -127,28 +114,11 @@ void tst_OvmicMapHostile::textsThatUnfoldWithoutEnd()
     // Compressed texts beside the picture, 2 GB of them if nothing stops it: within the memory that there is, each
     // of them ends in one line or in a map.
     const MapFolder folder;
-    folder.writePhotograph("a.png");
-    QByteArray bytes = folder.read("a.png");
-    const QByteArray text = qCompress(QByteArray(7900000, 'x'), 9).mid(4);
-    QByteArray chunk = "zTXt" + QByteArray("key") + '\0' + '\0' + text;
-    const auto bigEndian = [](quint32 value) {
-        const char four[] = {char(value >> 24), char(value >> 16 & 0xff), char(value >> 8 & 0xff),
-                             char(value & 0xff)};
-        return QByteArray(four, 4);
-    };
-    quint32 crc = 0xffffffffU;
-    for (const char byte : chunk) {
-        crc ^= static_cast<uchar>(byte);
-        for (int bit = 0; bit < 8; ++bit)
-            crc = crc & 1 ? crc >> 1 ^ 0xedb88320U : crc >> 1;
-    }
-    chunk = bigEndian(quint32(chunk.size() - 4)) + chunk + bigEndian(~crc);
-    bytes.insert(bytes.size() - 12, chunk.repeated(limited ? 136 : 10));
-    folder.write("a.png", bytes);
+    folder.write("a.png", pngWithTexts(addressSpaceCanBeLimited ? 136 : 10));
     folder.writePhotograph("b.png");
     const MapFolder::Result result =
         folder.shell(QStringLiteral("ulimit -v %1; ovmic-map -c fit -j1 -o maps a.png b.png")
-                         .arg(limited ? "4000000" : "unlimited"));
+                         .arg(addressSpaceCanBeLimited ? "4000000" : "unlimited"));
     QVERIFY(result.finished);
     QVERIFY2(result.output.endsWith("maps/OV-b.jpg\n"), result.output.constData());
     QVERIFY2(result.status == 0 || result.errors.startsWith("ovmic-map: a.png: cannot be read: "),
@@ -309,7 +279,7 @@ void tst_OvmicMapHostile::littleMemory()
     folder.writePhotograph("a.png", 1, {500, 500});
     int failures = 0;
     int maps = 0;
-    for (int megabytes = 50; limited && megabytes <= 350; megabytes += 15) {
+    for (int megabytes = 50; addressSpaceCanBeLimited && megabytes <= 350; megabytes += 15) {
         const QString limit = QStringLiteral("ulimit -v %1; ").arg(megabytes * 1000);
         if (folder.shell(limit + "ovmic-map --version").status != 0)
             continue; // the libraries alone need more
@@ -327,7 +297,7 @@ void tst_OvmicMapHostile::littleMemory()
         maps += made;
         failures += 4 - made;
     }
-    QVERIFY(!limited || (maps > 0 && failures > 0));
+    QVERIFY(!addressSpaceCanBeLimited || (maps > 0 && failures > 0));
 }
 
 QTEST_GUILESS_MAIN(tst_OvmicMapHostile)

@@ -2,23 +2,18 @@
 
 #include "convertimage.h"
 #include "imagecompare.h"
+#include "memorylimit.h"
 #include "messagecollector.h"
 #include "photographs.h"
 #include "referencemap.h"
 #include "rng.h"
 
 #include <QColor>
-#include <QFile>
 #include <QTimer>
 #include <QtTest>
 
 #include <array>
 #include <limits>
-
-#ifdef Q_OS_LINUX
-#include <sys/resource.h>
-#include <unistd.h>
-#endif
 
 namespace
 {
@@ -458,35 +453,6 @@ void tst_MapConversion::anyValueGivesTheReferenceMap()
 }
 
 #ifdef Q_OS_LINUX
-
-namespace
-{
-
-/// While it lives, the process gets no more than so many further bytes.
-class MemoryLimit
-{
-public:
-    explicit MemoryLimit(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_AS, &m_before);
-        QFile statm(QStringLiteral("/proc/self/statm"));
-        if (!statm.open(QIODevice::ReadOnly))
-            qFatal("The size of the process is unknown");
-        const rlim_t pages = statm.readAll().split(' ').first().toULong();
-        rlimit limit = m_before;
-        limit.rlim_cur = pages * static_cast<rlim_t>(sysconf(_SC_PAGESIZE)) + bytes;
-        setrlimit(RLIMIT_AS, &limit);
-    }
-    ~MemoryLimit() { setrlimit(RLIMIT_AS, &m_before); }
-    Q_DISABLE_COPY_MOVE(MemoryLimit)
-
-private:
-    rlimit m_before{};
-};
-
-constexpr rlim_t mebibyte = rlim_t{1024} * 1024;
-
-} // namespace
 
 void tst_MapConversion::canvasesThatDoNotFitGiveNullMaps_data()
 {
