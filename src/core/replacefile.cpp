@@ -11,6 +11,10 @@
 #include <cerrno>
 #include <cstdio>
 
+#ifdef Q_OS_UNIX
+#include <unistd.h>
+#endif
+
 namespace
 {
 
@@ -31,15 +35,32 @@ bool failed(QString *reason, const QString &text)
     return false;
 }
 
-bool writeWhole(const QString &path, const QByteArray &contents, bool inPlaceIfNeeded, QString *reason)
+/// Gives a new file the owner and the group of the old one, as far as the system lets this process: root may give
+/// a file to anybody, others only to a group that they are in.
+void keepOwner(const QFileDevice &file, const QFileInfo &old)
+{
+#ifdef Q_OS_UNIX
+    constexpr auto unchanged = static_cast<uid_t>(-1);
+    const bool kept = !old.exists() || fchown(file.handle(), old.ownerId(), old.groupId()) == 0 ||
+                      fchown(file.handle(), unchanged, old.groupId()) == 0;
+    Q_UNUSED(kept)
+#else
+    Q_UNUSED(file)
+    Q_UNUSED(old)
+#endif
+}
+
+bool writeWhole(const QString &path, const QByteArray &contents, const QFileInfo &old, bool inPlaceIfNeeded,
+                QString *reason)
 {
     QSaveFile file(path);
     file.setDirectWriteFallback(inPlaceIfNeeded);
     // The explicit flush matters: on a full disk commit() alone reports success and leaves a cut file.
-    const bool written = file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() &&
-                         file.flush() && file.commit();
-    if (written)
-        return true;
+    if (file.open(QIODevice::WriteOnly) && file.write(contents) == contents.size() && file.flush()) {
+        keepOwner(file, old);
+        if (file.commit())
+            return true;
+    }
     // Of a write that was cut short QSaveFile only says that the error is unknown; the system knows it.
     const QString systemReason = qt_error_string(errno);
     return failed(reason,
@@ -59,7 +80,7 @@ bool replaceLongNamed(const QFileInfo &target, const QByteArray &contents, QStri
         return failed(reason, qt_error_string(EACCES));
     const QString id = QUuid::createUuid().toString(QUuid::Id128);
     const QString shortNamed = target.dir().filePath(QStringLiteral("ovmic-") + id);
-    if (!writeWhole(shortNamed, contents, false, reason))
+    if (!writeWhole(shortNamed, contents, target, false, reason))
         return false;
     const bool replaced =
         (!target.exists() || QFile::setPermissions(shortNamed, target.permissions())) &&
@@ -85,5 +106,6 @@ bool replaceFile(const QString &path, const QByteArray &contents, ReadOnlyFolder
                                              : QStringLiteral("Not a regular file"));
     if (isTooLongForQSaveFile(target.fileName()))
         return replaceLongNamed(target, contents, reason);
-    return writeWhole(target.filePath(), contents, readOnlyFolder == ReadOnlyFolder::WriteInPlace, reason);
+    return writeWhole(target.filePath(), contents, target, readOnlyFolder == ReadOnlyFolder::WriteInPlace,
+                      reason);
 }

@@ -10,8 +10,8 @@ enum class ReadOnlyFolder {
 };
 
 /// Replaces the contents of a file as a whole: a failure of any kind (no room, no permission, the path is a
-/// folder or a device, the process killed) leaves the old file untouched. A link is followed, permissions are
-/// kept.
+/// folder or a device, the process killed) leaves the old file untouched. A link is followed; permissions are
+/// kept, and owner and group where the system lets this process give the file to them.
 /// @param reason  receives the system's reason for a failure, one line in English
 /// @return whether the new contents are on the disk
 bool replaceFile(const QString &path, const QByteArray &contents, ReadOnlyFolder readOnlyFolder,

@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <grp.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -45,6 +46,9 @@ private slots:
     void contentsArrive();
     void permissionsAreKept_data();
     void permissionsAreKept();
+    void ownerAndGroupAreKept_data();
+    void ownerAndGroupAreKept();
+    void groupOfOnesOwnIsKept();
     void newFileFollowsUmask();
     void linkIsFollowed_data();
     void linkIsFollowed();
@@ -123,6 +127,58 @@ void tst_ReplaceFile::permissionsAreKept()
     QCOMPARE(chmod(QFile::encodeName(path).constData(), mode), 0);
     QVERIFY(replaceFile(path, "new", ReadOnlyFolder::Refuse));
     QCOMPARE(modeOf(path), mode);
+}
+
+void tst_ReplaceFile::ownerAndGroupAreKept_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<uint>("mode");
+    QTest::newRow("somebody else's file") << "map.jpg" << 0640U;
+    QTest::newRow("one that only he may read") << "map.jpg" << 0600U;
+    QTest::newRow("with a long name") << QString(255, 'x') << 0640U;
+}
+
+void tst_ReplaceFile::ownerAndGroupAreKept()
+{
+    if (geteuid() != 0)
+        QSKIP("only root can give a file to somebody else");
+    QFETCH(QString, name);
+    QFETCH(uint, mode);
+    const QString path = m_folder->filePath(name);
+    writeFile(path, oldContents);
+    const QByteArray encoded = QFile::encodeName(path);
+    QCOMPARE(chown(encoded.constData(), 1234, 4321), 0);
+    QCOMPARE(chmod(encoded.constData(), mode), 0);
+    for (const auto readOnlyFolder : {ReadOnlyFolder::Refuse, ReadOnlyFolder::WriteInPlace}) {
+        QVERIFY(replaceFile(path, "new", readOnlyFolder));
+        QCOMPARE(QFileInfo(path).ownerId(), 1234U);
+        QCOMPARE(QFileInfo(path).groupId(), 4321U);
+        QCOMPARE(modeOf(path), mode_t(mode));
+    }
+}
+
+// Who is not root may not give a file away, but may give it to a group that he is in.
+void tst_ReplaceFile::groupOfOnesOwnIsKept()
+{
+    if (geteuid() != 0)
+        QSKIP("only root can become a member of a group");
+    constexpr gid_t group = 4321;
+    const QString path = in("map.jpg");
+    writeFile(path, oldContents);
+    handOver({m_folder->path()});
+    const QByteArray encoded = QFile::encodeName(path);
+    QCOMPARE(chown(encoded.constData(), 1234, group), 0);
+    QCOMPARE(chmod(encoded.constData(), 0664), 0);
+    const auto replaceAsMember = [&] {
+        if (setgroups(1, &group) != 0 || setresgid(65534, 65534, 65534) != 0 ||
+            setresuid(65534, 65534, 65534) != 0)
+            return false;
+        return replaceFile(path, "new", ReadOnlyFolder::Refuse);
+    };
+    QCOMPARE(inChild(replaceAsMember), Answer::Yes);
+    QCOMPARE(contentsOf(path), QByteArray("new"));
+    QCOMPARE(QFileInfo(path).ownerId(), 65534U);
+    QCOMPARE(QFileInfo(path).groupId(), group);
 }
 
 void tst_ReplaceFile::newFileFollowsUmask()
