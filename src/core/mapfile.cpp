@@ -5,6 +5,8 @@
 #include <QBuffer>
 #include <QImage>
 
+#include <new>
+
 const char *mapFormat(int outputFormat)
 {
     return outputFormat == 1 ? "png" : "jpg";
@@ -19,6 +21,10 @@ QByteArray encodedMap(const QImage &map, const char *format, int quality)
 
 bool saveMap(const QImage &map, const QString &path, const char *format, int quality)
 {
-    const QByteArray encoded = encodedMap(map, format, quality);
-    return !encoded.isEmpty() && replaceFile(path, encoded, ReadOnlyFolder::WriteInPlace);
+    try {
+        const QByteArray encoded = encodedMap(map, format, quality);
+        return !encoded.isEmpty() && replaceFile(path, encoded, ReadOnlyFolder::WriteInPlace);
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
 }

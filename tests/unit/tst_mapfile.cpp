@@ -2,6 +2,7 @@
 
 #include "faults.h"
 #include "files.h"
+#include "memorylimit.h"
 
 #include <QDir>
 #include <QImage>
@@ -46,6 +47,7 @@ private slots:
     void fullDiskLeavesOldMap_data();
     void fullDiskLeavesOldMap();
     void fullSmallDiskLeavesOldMap();
+    void littleMemoryLeavesOldMap();
     void missingFolderAndFolderAsTarget();
     void writableMapInReadOnlyFolderIsReplaced();
     void killedProcessLeavesWholeMap();
@@ -190,6 +192,28 @@ void tst_MapFile::fullSmallDiskLeavesOldMap()
     QVERIFY(!saveMap(map(600, 300), in("map.png"), "png", 85));
     QCOMPARE(contentsOf(in("map.png")), old);
     QCOMPARE(QDir(m_folder->path()).entryList(QDir::Files | QDir::Hidden), QStringList{"map.png"});
+}
+
+// A PNG of quality 100 is stored without compression; the encoder asks for more memory while it writes.
+void tst_MapFile::littleMemoryLeavesOldMap()
+{
+    if (!addressSpaceCanBeLimited)
+        QSKIP("the sanitizer itself needs the memory");
+    QImage image(8192, 8192, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    int refused = 0;
+    for (const rlim_t megabytes : {1, 20, 100, 300, 500, 700}) {
+        writeFile(in("map"), "old map");
+        const Answer answer = inChild([&] {
+            const MemoryLimit limit(megabytes * mebibyte);
+            return saveMap(image, in("map"), "png", 100);
+        });
+        QVERIFY2(answer != Answer::Crashed, qPrintable(QString::number(megabytes)));
+        QCOMPARE(contentsOf(in("map")) == "old map", answer == Answer::No);
+        QCOMPARE(namesIn(m_folder->path()), QStringList{"map"});
+        refused += answer == Answer::No ? 1 : 0;
+    }
+    QVERIFY(refused > 0);
 }
 
 void tst_MapFile::missingFolderAndFolderAsTarget()
