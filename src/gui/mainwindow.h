@@ -179,6 +179,7 @@ private:
     void finishStepping(int dx, int dy, int dr);
     MapParameters mapParameters() const;
     QImage convertPhotograph(const MapParameters &parameters, AzimuthStep azimuthStep);
+    void setSaveFileName(const QString &path);
     void confirmSaved(const QString &title, const QString &path);
     BatchCount convertFiles(Status &status);
     bool saveMapOfFile(const BatchRun &run, int position);

@@ -5,6 +5,7 @@
 #include "inifile.h"
 #include "mapfile.h"
 #include "parameterfile.h"
+#include "plaintooltip.h"
 #include "previewwindow.h"
 #include "ui_mainwindow.h"
 
@@ -131,9 +132,14 @@ void MainWindow::on_btnBrowse_clicked()
     dialog.setWindowTitle(showString.value("save_image_title"));
     if (dialog.exec() == 0 || dialog.selectedFiles().isEmpty())
         return;
-    saveFileName = dialog.selectedFiles().first();
-    ui->lineSaveFilename->setText(QFileInfo(saveFileName).fileName());
-    ui->lineSaveFilename->setToolTip(saveFileName);
+    setSaveFileName(dialog.selectedFiles().first());
+}
+
+void MainWindow::setSaveFileName(const QString &path)
+{
+    saveFileName = path;
+    ui->lineSaveFilename->setText(QFileInfo(path).fileName());
+    ui->lineSaveFilename->setToolTip(plainToolTip(path));
 }
 
 void MainWindow::on_actionSave_Param_triggered()

@@ -69,10 +69,7 @@ void MainWindow::loadImage()
     updateScreenParameter();
     updateSelect();
 
-    const QString name = proposedName(loadFileName, getFormat());
-    ui->lineSaveFilename->setText(name);
-    saveFileName = QFileInfo(loadFileName).absolutePath() + '/' + name;
-    ui->lineSaveFilename->setToolTip(saveFileName);
+    setSaveFileName(QFileInfo(loadFileName).absolutePath() + '/' + proposedName(loadFileName, getFormat()));
 }
 
 // Also lets go of the memory behind the picture.

@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QMimeData>
+#include <QTextDocument>
 
 namespace
 {
@@ -50,6 +51,8 @@ private slots:
     void warningTitleIsTheButtonsText();
     void fileNameIsShownAsItIs();
     void fileWithoutReadPermissionLosesNothing();
+
+    void toolTipShowsThePathAsItIs();
 
     void openDialogAsksForOnePicture();
     void cancelledOpenDialogChangesNothing();
@@ -341,6 +344,23 @@ void tst_Loading::fileWithoutReadPermissionLosesNothing()
     load(path);
     QVERIFY(driver.done());
     QCOMPARE(m_window->image.isNull(), !readable);
+}
+
+void tst_Loading::toolTipShowsThePathAsItIs()
+{
+    for (const char *fileName : {"<b>world.png", "&lt;x&gt;.png", "a & b.png", "two  blanks <i>.png"}) {
+        const QString name = QString::fromLatin1(fileName);
+        load(picture(name));
+        const QString path = m_window->saveFileName;
+        QVERIFY(path.endsWith(QFileInfo(name).baseName() + ".jpg"));
+        const QString toolTip = m_window->ui->lineSaveFilename->toolTip();
+        QTextDocument shown; // decides as a tool tip does
+        if (Qt::mightBeRichText(toolTip))
+            shown.setHtml(toolTip);
+        else
+            shown.setPlainText(toolTip);
+        QCOMPARE(shown.toPlainText(), path);
+    }
 }
 
 void tst_Loading::openDialogAsksForOnePicture()

@@ -8,6 +8,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QImageReader>
+#include <QTextDocument>
 
 class tst_Saving : public QObject
 {
@@ -46,6 +47,7 @@ private slots:
     void browseDialog();
     void browseFollowsTheFormat();
     void browsePicksTheTarget();
+    void browsedTargetLooksLikeMarkup();
     void browseAddsNoSuffix();
     void browseOverAnExistingFile();
     void cancelledBrowseChangesNothing();
@@ -439,6 +441,18 @@ void tst_Saving::browsePicksTheTarget()
     m_window->clickConvert();
     QVERIFY(driver.done());
     QCOMPARE(QImageReader::imageFormat(target), QByteArray("jpeg"));
+}
+
+void tst_Saving::browsedTargetLooksLikeMarkup()
+{
+    const QString target = path("<b>world.jpg");
+    ModalDriver driver;
+    driver.expect<QFileDialog>([&](QFileDialog *dialog) { pickPath(dialog, target); });
+    QTest::mouseClick(m_window->ui->btnBrowse, Qt::LeftButton);
+    QVERIFY(driver.done());
+    QTextDocument shown;
+    shown.setHtml(m_window->ui->lineSaveFilename->toolTip());
+    QCOMPARE(shown.toPlainText(), target);
 }
 
 void tst_Saving::browseAddsNoSuffix()
