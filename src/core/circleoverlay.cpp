@@ -11,7 +11,7 @@ QPixmap uncachedPicture(const QImage &photograph, const std::optional<SelectionC
                         const CirclePen &pen)
 {
     QImage copy = photograph.convertToFormat(QImage::Format_ARGB32);
-    if (circle)
+    if (circle && !copy.isNull())
         paintCircle(copy, *circle, pen);
     return QPixmap::fromImage(std::move(copy));
 }
@@ -65,11 +65,19 @@ QPixmap CircleOverlay::picture(const QImage &photograph, const std::optional<Sel
     const std::optional<QVector<QRect>> rectangles =
         circle ? paintedRectangles(m_photograph.size(), *circle, pen.size) : QVector<QRect>();
     Buffer &buffer = m_buffers[m_next];
-    if (!rectangles || !keepsAlphaChannel(*rectangles) || !haveBuffer(buffer))
-        return uncachedPicture(m_photograph, circle, pen);
-    updateBuffer(buffer, *rectangles, circle, pen);
-    m_next = 1 - m_next;
-    return QPixmap::fromImage(buffer.image, Qt::NoOpaqueDetection);
+    if (rectangles && keepsAlphaChannel(*rectangles) && haveBuffer(buffer)) {
+        updateBuffer(buffer, *rectangles, circle, pen);
+        m_next = 1 - m_next;
+        return QPixmap::fromImage(buffer.image, Qt::NoOpaqueDetection);
+    }
+    QPixmap picture = uncachedPicture(m_photograph, circle, pen);
+    if (picture.isNull()) {
+        // What the buffers take may be just what is missing; without them every step is slow.
+        m_layer = QImage();
+        m_buffers = {};
+        picture = uncachedPicture(m_photograph, circle, pen);
+    }
+    return picture;
 }
 
 void CircleOverlay::clear()
@@ -96,13 +104,15 @@ bool CircleOverlay::keepsAlphaChannel(const QVector<QRect> &rectangles) const
                         [this](const QRect &rectangle) { return rectangle.contains(*m_translucentPixel); });
 }
 
-// Whether there is memory for the buffer and for the layer.
+// Whether there is memory for the buffer and for the layer. Without a layer there are no buffers any more.
 bool CircleOverlay::haveBuffer(Buffer &buffer) const
 {
+    if (m_layer.isNull())
+        return false;
     if (buffer.image.isNull())
         buffer.image = converted(m_photograph, m_translucentPixel ? QImage::Format_ARGB32_Premultiplied
                                                                   : QImage::Format_RGB32);
-    return !buffer.image.isNull() && !m_layer.isNull();
+    return !buffer.image.isNull();
 }
 
 // Takes the old circle away and paints the new one.

@@ -18,6 +18,7 @@ class CircleOverlay
 public:
     /// A new pixmap for each call; later calls leave it as it is. Fast as long as the caller lets go of the
     /// pixmap before the last, as a label does that is given the new one.
+    /// Null only without the memory for the picture itself.
     /// @param photograph  any format; null gives a null pixmap. Its device pixel ratio is not looked at.
     /// @param circle      none: the photograph alone
     QPixmap picture(const QImage &photograph, const std::optional<SelectionCircle> &circle,

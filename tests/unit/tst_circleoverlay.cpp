@@ -1,5 +1,6 @@
 #include "circleoverlay.h"
 
+#include "memorylimit.h"
 #include "photographs.h"
 #include "randomcircles.h"
 
@@ -62,6 +63,7 @@ private slots:
     void looksAtPixelsOnly();
     void drawsHostileCirclesToo();
     void startsAfreshWhenCleared();
+    void whatFittedIntoTheMemoryOnceFitsAgain();
 };
 
 void tst_CircleOverlay::givesNothingForNoPhotograph()
@@ -243,6 +245,26 @@ void tst_CircleOverlay::startsAfreshWhenCleared()
             difference(overlay.picture(photograph, std::nullopt, redPen), QPixmap::fromImage(photograph)),
             QString());
     }
+}
+
+// A label keeps the last picture while it asks for the next one, and there is no memory for a third.
+void tst_CircleOverlay::whatFittedIntoTheMemoryOnceFitsAgain()
+{
+    if (!addressSpaceCanBeLimited)
+        QSKIP("the sanitizer itself needs the memory");
+    QImage photograph(5000, 4000, QImage::Format_Grayscale8);
+    photograph.fill(Qt::gray);
+    const auto circle = [](int step) { return SelectionCircle{2500, 2000, 1000 + step}; };
+    QPixmap shown;
+    {
+        const MemoryLimit limit(200 * mebibyte); // one picture of 4 bytes a pixel takes 76
+        CircleOverlay overlay;
+        for (int step = 0; step < 5; ++step) {
+            shown = overlay.picture(photograph, circle(step), redPen);
+            QVERIFY2(!shown.isNull(), qPrintable(QString::number(step)));
+        }
+    }
+    QCOMPARE(difference(shown, uncachedPicture(photograph, circle(4), redPen)), QString());
 }
 
 QTEST_MAIN(tst_CircleOverlay)
