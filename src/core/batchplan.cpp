@@ -1,5 +1,7 @@
 #include "batchplan.h"
 
+#include "plainpath.h"
+
 #include <QDateTime>
 #include <QFileInfo>
 #include <QVector>
@@ -18,7 +20,7 @@ struct DatedPath {
 /// A file that has no time, because it is gone or unreadable, counts as older than all others.
 DatedPath dated(const QString &path)
 {
-    const QDateTime modified = QFileInfo(path).lastModified();
+    const QDateTime modified = QFileInfo(plainPath(path)).lastModified();
     return {path, modified.isValid() ? modified.toMSecsSinceEpoch() : std::numeric_limits<qint64>::min()};
 }
 
@@ -41,7 +43,7 @@ QStringList newestFirst(const QStringList &paths)
 
 QString proposedName(const QString &inputPath, const QString &extension)
 {
-    return "OV-" + QFileInfo(inputPath).baseName() + '.' + extension;
+    return "OV-" + QFileInfo(plainPath(inputPath)).baseName() + '.' + extension;
 }
 
 QStringList orderedInputs(const QStringList &paths, int sortType)
@@ -57,7 +59,7 @@ QStringList orderedInputs(const QStringList &paths, int sortType)
 QString outputPath(const QString &outputFolder, const QString &inputPath, int nameType, int index,
                    const QString &extension)
 {
-    const QString name =
-        nameType != 0 ? QStringLiteral("map_") + QString::number(index) : QFileInfo(inputPath).baseName();
-    return outputFolder + QLatin1Char('/') + name + QLatin1Char('.') + extension;
+    const QString name = nameType != 0 ? QStringLiteral("map_") + QString::number(index)
+                                       : QFileInfo(plainPath(inputPath)).baseName();
+    return plainPath(outputFolder + QLatin1Char('/') + name + QLatin1Char('.') + extension);
 }

@@ -36,6 +36,7 @@ QString reasonAgainst(const QFileInfo &file)
 QString reasonAgainstSize(const QString &path)
 {
     const QSize size = QImageReader(path).size();
+    // 4 bytes a pixel, whatever is in the file: that is what it is shown and converted in.
     const qint64 bytes = size.isValid() ? qint64(size.width()) * size.height() * 4 : 0;
     if (bytes <= largestPhotographBytes())
         return {};
@@ -87,6 +88,21 @@ LoadedPhotograph loadPhotograph(const QString &path, QImage memory)
     } catch (const std::bad_alloc &) { // compressed texts beside the picture can unfold to gigabytes
         return {{}, QStringLiteral("cannot be read: Not enough memory")};
     }
+}
+
+QString fileWithSuffix(const QString &path)
+{
+    const auto canBeOpened = [](const QFileInfo &file) { return file.isReadable() && !file.isDir(); };
+    const QString plain = plainPath(path);
+    if (canBeOpened(QFileInfo(plain)))
+        return path;
+    const QList<QByteArray> suffixes = QImageReader::supportedImageFormats();
+    for (const QByteArray &suffix : suffixes) {
+        const QString longer = plain + QLatin1Char('.') + QString::fromLatin1(suffix);
+        if (canBeOpened(QFileInfo(longer)))
+            return longer;
+    }
+    return path;
 }
 
 qint64 largestPhotographBytes()

@@ -17,5 +17,10 @@ struct LoadedPhotograph {
 ///                pixels, which the system then need not hand out page by page again
 LoadedPhotograph loadPhotograph(const QString &path, QImage memory = {});
 
+/// The file that QImage::load takes for a path. Where none can be opened under it, that is the first one that has a
+/// known suffix more; a name typed without its suffix finds its photograph.
+/// @return the path itself if there is no such file either
+QString fileWithSuffix(const QString &path);
+
 /// A quarter of the machine's memory, at least 1 GB: what a small file may unfold to.
 qint64 largestPhotographBytes();

@@ -174,6 +174,7 @@ private:
     void takeLineEdits();
     void circleEdited();
     void setPictureScaled(bool scaled);
+    bool showPhotograph();
     void clearPicture();
     void startStepping(int dx, int dy, int dr);
     void finishStepping(int dx, int dy, int dr);

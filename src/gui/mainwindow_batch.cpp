@@ -5,6 +5,7 @@
 #include "batchconvertdialog.h"
 #include "batchplan.h"
 #include "mapfile.h"
+#include "photographfile.h"
 #include "status.h"
 #include "ui_mainwindow.h"
 
@@ -129,7 +130,8 @@ MainWindow::BatchCount MainWindow::convertFiles(Status &status)
         if (status.isStopped() || closed)
             break;
         image = QImage(); // the last photograph goes before the next one comes
-        if (!image.load(inputs.at(i))) {
+        image = loadPhotograph(fileWithSuffix(inputs.at(i))).image;
+        if (image.isNull()) {
             ++count.failed;
             continue;
         }

@@ -3,6 +3,8 @@
 #include "mainwindow.h"
 
 #include "batchplan.h"
+#include "photographfile.h"
+#include "plainpath.h"
 #include "ui_mainwindow.h"
 
 #include <QDragEnterEvent>
@@ -43,10 +45,12 @@ void MainWindow::on_btnImageRead_clicked()
 
 void MainWindow::loadImage()
 {
-    const bool loaded = image.load(loadFileName);
+    image = loadPhotograph(fileWithSuffix(loadFileName)).image;
     clearPicture();
     selectShow = false;
-    if (!loaded) {
+    if (!showPhotograph()) {
+        image = QImage();
+        clearPicture();
         QMessageBox box(this);
         box.setText(loadFileName + showString.value("open_error"));
         box.setWindowTitle(ui->btnImageRead->text());
@@ -59,17 +63,27 @@ void MainWindow::loadImage()
         return;
     }
 
+    loadFileName = plainPath(loadFileName); // also for the dialogs that open in its folder
+    setSaveFileName(QFileInfo(loadFileName).absolutePath() + '/' + proposedName(loadFileName, getFormat()));
+}
+
+// Fits a circle if there was none. Without a photograph, and without the memory for its picture, nothing changes.
+bool MainWindow::showPhotograph()
+{
+    // A known circle is kept, even beyond the new picture: photographs of one camera set-up share it.
+    const bool known = centerX != 0 && centerY != 0 && radius != 0;
+    const SelectionCircle fitted = known ? circle() : defaultCircle(image.size());
+    const bool shown = fitted.centerX > 0 && fitted.centerY > 0 && fitted.radius > 0;
+    showCircle(shown ? std::make_optional(fitted) : std::nullopt, Qt::DotLine);
+    if (ui->label->picture().isNull())
+        return false;
     imageWidth = image.width();
     imageHeight = image.height();
-    // A known circle is kept, even beyond the new picture: photographs of one camera set-up share it.
-    if (centerX == 0 || centerY == 0 || radius == 0)
-        setCircle(defaultCircle(image.size()));
-    if (centerX > 0 && centerY > 0 && radius > 0)
+    setCircle(fitted);
+    if (shown)
         setCircleShown(true);
     updateScreenParameter();
-    updateSelect();
-
-    setSaveFileName(QFileInfo(loadFileName).absolutePath() + '/' + proposedName(loadFileName, getFormat()));
+    return true;
 }
 
 // Also lets go of the memory behind the picture.

@@ -1,6 +1,8 @@
 // The executable as a process, without a window: `ovmic /batch image image...`.
 
+#include "hostilepictures.h"
 #include "imagecompare.h"
+#include "memorylimit.h"
 #include "photographs.h"
 #include "programfolder.h"
 #include "referencemap.h"
@@ -10,6 +12,8 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QSettings>
+
+#include <sys/stat.h>
 
 namespace
 {
@@ -65,6 +69,7 @@ private slots:
     void fewerThanTwoPathsIsAUsageError();
     void theSwitchIsCaseSensitive();
     void failuresAreSilent();
+    void hostilePhotographsFailAlone();
     void fullDiskLeavesNoPartialMap();
     void killedInMidRunLeavesWholeMaps();
     void manyProcessesShareOneProgramFolder();
@@ -238,6 +243,31 @@ void tst_Unattended::failuresAreSilent()
     QVERIFY(result.finished);
     QCOMPARE(result.exitCode, 0);
     QVERIFY(!QFile::exists(folder.filePath("missing")));
+}
+
+// Each of them would end the run, or hold it up for ever, and the two behind them would have no maps.
+void tst_Unattended::hostilePhotographsFailAlone()
+{
+    const ProgramFolder folder;
+    const QStringList photographs = writePhotographs(folder, 2);
+    folder.write("texts.png", pngWithTexts(addressSpaceCanBeLimited ? 136 : 10));
+    folder.write("large.jpg", jpegOfSize(65500, 65500));
+    QCOMPARE(mkfifo(QFile::encodeName(folder.filePath("pipe.png")).constData(), 0600), 0);
+    QVERIFY(QFile::rename(photographs.at(1), folder.filePath("./:colon.png")));
+    QVERIFY(QDir(folder.filePath(".")).mkdir("maps"));
+    folder.write("ovmic.ini", settingsText(folder.filePath("maps"), smallMap + "InputFileSortType=2\n"
+                                                                               "OutputFileNameType=1\n"));
+    QProcess shell;
+    shell.setWorkingDirectory(folder.filePath("."));
+    const QString limit = addressSpaceCanBeLimited ? "ulimit -v 2000000; " : "";
+    shell.start("bash", {"-c", limit + "exec \"$@\"", "bash", folder.program(), "/batch", "texts.png",
+                         "large.jpg", "pipe.png", "/proc/kmsg", ":/up.png", ":colon.png", photographs.at(0)});
+    QVERIFY(shell.waitForFinished(60000));
+    QCOMPARE(shell.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(shell.exitCode(), 0);
+    QStringList maps = filesIn(folder.filePath("maps"));
+    maps.removeOne("map_0.png"); // only the texts may find the memory that they want
+    QCOMPARE(maps, (QStringList{"map_5.png", "map_6.png"}));
 }
 
 // The disk is full after the first few kilobytes of each file: small maps are written, the large one is not, and

@@ -33,6 +33,7 @@ private slots:
         QCOMPARE(proposedName("/in/planet.v2.png", "jpg"), QString("OV-planet.jpg"));
         QCOMPARE(proposedName("planet", "png"), QString("OV-planet.png"));
         QCOMPARE(proposedName("/in/.hidden.png", "png"), QString("OV-.png"));
+        QCOMPARE(proposedName(":planet.png", "png"), QString("OV-:planet.png"));
     }
 
     void byPath_sortsByCodeUnitsOfTheWholePath_data()
@@ -117,6 +118,19 @@ private slots:
                  (QStringList{old, ancient, folder.filePath("missing")}));
     }
 
+    void byModified_colonInFrontIsPartOfAName()
+    {
+        const QTemporaryDir folder;
+        touch(folder, "old.png", 1);
+        touch(folder, "new.png", 2);
+        const QString before = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(folder.path()));
+        QVERIFY(QFile::rename("old.png", "./:old.png") && QFile::rename("new.png", "./:new.png"));
+        const QStringList sorted = orderedInputs({":old.png", ":new.png"}, SortByModified);
+        QVERIFY(QDir::setCurrent(before));
+        QCOMPARE(sorted, (QStringList{":new.png", ":old.png"}));
+    }
+
     void anyOtherSortType_leavesTheList_data()
     {
         QTest::addColumn<int>("sortType");
@@ -159,6 +173,12 @@ private slots:
                                                            << "/in/photo.gif" << 1 << 10 << "/out/map_10.png";
         QTest::newRow("any other name type numbers too") << "/out"
                                                          << "/in/photo.gif" << -5 << 3 << "/out/map_3.png";
+        QTest::newRow("a colon in front of the input is part of its name")
+            << "/out"
+            << ":photo.gif" << 0 << 0 << "/out/:photo.png";
+        QTest::newRow("a folder with a colon in front is no compiled-in resource")
+            << ":out"
+            << "/in/photo.gif" << 0 << 0 << "./:out/photo.png";
         QTest::newRow("no folder: directly under the root") << ""
                                                             << "/in/photo.gif" << 0 << 0 << "/photo.png";
     }

@@ -2,33 +2,16 @@
 
 #include "faults.h"
 #include "files.h"
+#include "hostilepictures.h"
 #include "imagecompare.h"
+#include "memorylimit.h"
 #include "rng.h"
 
-#include <QBuffer>
+#include <QImageReader>
 #include <QTemporaryDir>
 
-#include <sys/resource.h>
+#include <cmath>
 #include <sys/stat.h>
-
-namespace
-{
-
-/// The smallest JPEG header that claims a size.
-QByteArray jpegOfSize(quint16 width, quint16 height)
-{
-    QImage dot(1, 1, QImage::Format_RGB32);
-    dot.fill(Qt::red);
-    QBuffer buffer;
-    buffer.open(QIODevice::WriteOnly);
-    dot.save(&buffer, "jpg");
-    QByteArray bytes = buffer.data();
-    const int frame = bytes.indexOf("\xff\xc0");
-    const char size[] = {char(height >> 8), char(height & 0xff), char(width >> 8), char(width & 0xff)};
-    return bytes.replace(frame + 5, 4, QByteArray(size, 4));
-}
-
-} // namespace
 
 class tst_PhotographFile : public QObject
 {
@@ -38,13 +21,19 @@ private slots:
     void init();
     void loadsAsThePictureClassDoes_data();
     void loadsAsThePictureClassDoes();
+    void everythingOfAFileIsAsThePictureClassHasIt_data();
+    void everythingOfAFileIsAsThePictureClassHasIt();
+    void suffixIsLeftOutAsThePictureClassAllows_data();
+    void suffixIsLeftOutAsThePictureClassAllows();
     void loadsDamagedFilesAsThePictureClassDoes();
     void memoryOfAnotherPhotographChangesNothing();
     void saysWhyNot_data();
     void saysWhyNot();
     void neverWaitsForAPipe();
     void leadingColonHasNoMeaning();
-    void tooLittleMemoryIsAReason();
+    void tooLargeAPictureIsNotTried_data();
+    void tooLargeAPictureIsNotTried();
+    void textsBeyondTheMemoryAreAReason();
 
 private:
     QString in(const QString &name) const { return m_folder->filePath(name); }
@@ -83,6 +72,79 @@ void tst_PhotographFile::loadsAsThePictureClassDoes()
     QCOMPARE(photograph.image.format(), QImage(in(copiedAs)).format());
     COMPARE_IMAGES(photograph.image, QImage(in(copiedAs)));
     QVERIFY(!photograph.image.isNull());
+}
+
+void tst_PhotographFile::everythingOfAFileIsAsThePictureClassHasIt_data()
+{
+    QTest::addColumn<QByteArray>("format");
+    QTest::addColumn<QImage::Format>("depth");
+    QTest::addColumn<QString>("name");
+    const QList<QPair<const char *, QImage::Format>> depths{
+        {"RGB", QImage::Format_RGB32},           {"alpha", QImage::Format_ARGB32},
+        {"grey", QImage::Format_Grayscale8},     {"16-bit grey", QImage::Format_Grayscale16},
+        {"16-bit", QImage::Format_RGBA64},       {"palette", QImage::Format_Indexed8},
+        {"black and white", QImage::Format_Mono}};
+    for (const auto &depth : depths) {
+        for (const char *format : {"png", "jpg", "bmp", "ppm", "xpm", "xbm"}) {
+            for (const QString &name : {"photo." + QString(format), QString("photo.gif"), QString("photo"),
+                                        QString("photo@2x.png"), QString("photo@2x"), QString("photo.svg")})
+                QTest::addRow("%s %s as %s", depth.first, format, qPrintable(name))
+                    << QByteArray(format) << depth.second << name;
+        }
+    }
+}
+
+void tst_PhotographFile::everythingOfAFileIsAsThePictureClassHasIt()
+{
+    QFETCH(QByteArray, format);
+    QFETCH(QImage::Format, depth);
+    QFETCH(QString, name);
+    Rng rng(21);
+    QImage picture(40, 30, QImage::Format_ARGB32);
+    for (int y = 0; y < 30; ++y)
+        for (int x = 0; x < 40; ++x)
+            picture.setPixel(x, y, rng.word());
+    picture = picture.convertToFormat(depth);
+    picture.setText("Title", "a globe");
+    picture.setDotsPerMeterX(1234);
+    QVERIFY(picture.save(in(name), format));
+    const LoadedPhotograph photograph = loadPhotograph(in(name));
+    QImage expected;
+    QVERIFY(expected.load(in(name)));
+    QCOMPARE(photograph.image, expected);
+    QCOMPARE(photograph.image.format(), expected.format());
+    QCOMPARE(photograph.image.colorTable(), expected.colorTable());
+    QCOMPARE(photograph.image.textKeys(), expected.textKeys());
+    QCOMPARE(photograph.image.text("Title"), expected.text("Title"));
+    QCOMPARE(photograph.image.dotsPerMeterX(), expected.dotsPerMeterX());
+    QCOMPARE(photograph.image.devicePixelRatio(), expected.devicePixelRatio());
+}
+
+void tst_PhotographFile::suffixIsLeftOutAsThePictureClassAllows_data()
+{
+    QTest::addColumn<QStringList>("there");
+    QTest::addColumn<QString>("path");
+    QTest::newRow("one picture") << QStringList{"photo.png"} << "photo";
+    QTest::newRow("several pictures") << QStringList{"photo.png", "photo.jpg", "photo.svg"} << "photo";
+    QTest::newRow("the name itself is there") << QStringList{"photo", "photo.jpg"} << "photo";
+    QTest::newRow("a folder of that name") << QStringList{"photo/inside.png", "photo.png"} << "photo";
+    QTest::newRow("another suffix added") << QStringList{"photo.png.jpg"} << "photo.png";
+    QTest::newRow("in capitals") << QStringList{"photo.PNG"} << "photo";
+    QTest::newRow("nothing at all") << QStringList{"picture.png"} << "photo";
+}
+
+void tst_PhotographFile::suffixIsLeftOutAsThePictureClassAllows()
+{
+    QFETCH(QStringList, there);
+    QFETCH(QString, path);
+    if (there.contains("photo/inside.png"))
+        QVERIFY(QDir(m_folder->path()).mkdir("photo"));
+    for (int i = 0; i < there.size(); ++i)
+        QVERIFY(QImage(10 + i, 10, QImage::Format_RGB32).save(in(there.at(i)), "png"));
+    const QImage expected(in(path));
+    QCOMPARE(loadPhotograph(fileWithSuffix(in(path))).image.size(), expected.size());
+    if (expected.isNull())
+        QCOMPARE(fileWithSuffix(in(path)), in(path));
 }
 
 void tst_PhotographFile::loadsDamagedFilesAsThePictureClassDoes()
@@ -197,14 +259,43 @@ void tst_PhotographFile::leadingColonHasNoMeaning()
     QCOMPARE(photograph.image.size(), QSize(1280, 960));
 }
 
-void tst_PhotographFile::tooLittleMemoryIsAReason()
+void tst_PhotographFile::tooLargeAPictureIsNotTried_data()
 {
-    writeFile(in("large.jpg"), jpegOfSize(65500, 65500));
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("JPEG") << jpegOfSize(65500, 65500) << QSize(65500, 65500);
+    QTest::newRow("PNG") << pngOfSize(200000, 100000) << QSize(200000, 100000);
+    const auto side = static_cast<int>(std::sqrt(double(largestPhotographBytes()) / 4)) + 1;
+    QTest::newRow("just beyond") << pngOfSize(side, side) << QSize(side, side);
+    if (QImageReader::supportedImageFormats().contains("svg"))
+        QTest::newRow("SVG") << QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"65500\" "
+                                           "height=\"65500\"/>")
+                             << QSize(65500, 65500);
+}
+
+void tst_PhotographFile::tooLargeAPictureIsNotTried()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(QSize, size);
     QVERIFY(largestPhotographBytes() >= 1 << 30);
-    if (largestPhotographBytes() < 65500LL * 65500 * 4) {
-        QVERIFY(loadPhotograph(in("large.jpg"))
-                    .reason.startsWith("cannot be read: 65500 x 65500 pixels need more memory than the "));
-    }
+    if (largestPhotographBytes() > 16LL << 30)
+        QSKIP("so much memory takes all of these pictures");
+    writeFile(in("large"), bytes);
+    const QString reason = loadPhotograph(in("large")).reason;
+    const QString expected = QStringLiteral("cannot be read: %1 x %2 pixels need more memory than the ");
+    QVERIFY2(reason.startsWith(expected.arg(size.width()).arg(size.height())), qPrintable(reason));
+}
+
+void tst_PhotographFile::textsBeyondTheMemoryAreAReason()
+{
+    if (!addressSpaceCanBeLimited)
+        QSKIP("the sanitizer itself needs the memory");
+    writeFile(in("texts.png"), pngWithTexts(136));
+    const auto load = [&] {
+        const MemoryLimit limit(200 * mebibyte);
+        return loadPhotograph(in("texts.png")).reason == "cannot be read: Not enough memory";
+    };
+    QCOMPARE(inChild(load), Answer::Yes);
 }
 
 QTEST_GUILESS_MAIN(tst_PhotographFile)

@@ -1,5 +1,7 @@
 #include "files.h"
 #include "freshwindow.h"
+#include "hostilepictures.h"
+#include "memorylimit.h"
 #include "modaldriver.h"
 
 #include <QDragEnterEvent>
@@ -8,6 +10,8 @@
 #include <QFileDialog>
 #include <QMimeData>
 #include <QTextDocument>
+
+#include <sys/stat.h>
 
 namespace
 {
@@ -52,6 +56,11 @@ private slots:
     void fileNameIsShownAsItIs();
     void fileWithoutReadPermissionLosesNothing();
 
+    void whatWouldTakeForEverIsRefused_data();
+    void whatWouldTakeForEverIsRefused();
+    void textsBeyondTheMemoryAreAFailedLoad();
+    void pictureBeyondTheMemoryIsAFailedLoad();
+    void colonInFrontIsPartOfTheName();
     void toolTipShowsThePathAsItIs();
 
     void openDialogAsksForOnePicture();
@@ -344,6 +353,94 @@ void tst_Loading::fileWithoutReadPermissionLosesNothing()
     load(path);
     QVERIFY(driver.done());
     QCOMPARE(m_window->image.isNull(), !readable);
+}
+
+void tst_Loading::whatWouldTakeForEverIsRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::newRow("a pipe that nobody writes to") << "pipe.png";
+    QTest::newRow("a link to it") << "link.png";
+    QTest::newRow("a file of the system that waits") << "/proc/kmsg";
+    QTest::newRow("a device without end") << "/dev/zero";
+    QTest::newRow("65500 x 65500 pixels in a small file") << "large.jpg";
+}
+
+void tst_Loading::whatWouldTakeForEverIsRefused()
+{
+    QFETCH(QString, name);
+    QCOMPARE(mkfifo(QFile::encodeName(m_window->filePath("pipe.png")).constData(), 0600), 0);
+    QVERIFY(QFile::link("pipe.png", m_window->filePath("link.png")));
+    writeFile(m_window->filePath("large.jpg"), jpegOfSize(65500, 65500));
+    const QString path = name.startsWith('/') ? name : m_window->filePath(name);
+    ModalDriver driver;
+    driver.expectMessage({"開く", path + " は開けませんでした", QMessageBox::Warning});
+    load(path);
+    QVERIFY(driver.done());
+    QVERIFY(m_window->image.isNull());
+}
+
+void tst_Loading::textsBeyondTheMemoryAreAFailedLoad()
+{
+    if (!addressSpaceCanBeLimited)
+        QSKIP("the sanitizer itself needs the memory");
+    const QString path = m_window->filePath("texts.png");
+    writeFile(path, pngWithTexts(136));
+    ModalDriver driver;
+    driver.expectMessage({"開く", path + " は開けませんでした", QMessageBox::Warning});
+    {
+        const MemoryLimit limit(200 * mebibyte);
+        load(path);
+    }
+    QVERIFY(driver.done());
+}
+
+// There is memory for the photograph, with one byte a pixel, but none for the picture on the screen, with four.
+void tst_Loading::pictureBeyondTheMemoryIsAFailedLoad()
+{
+    if (!addressSpaceCanBeLimited)
+        QSKIP("the sanitizer itself needs the memory");
+    load(picture("good.png"));
+    const SelectionCircle circle{m_window->centerX, m_window->centerY, m_window->radius};
+    QImage large(10000, 10000, QImage::Format_Grayscale8);
+    large.fill(Qt::gray);
+    const QString path = m_window->filePath("large.bmp");
+    QVERIFY(large.save(path));
+    large = QImage();
+    ModalDriver driver;
+    driver.expectMessage({"開く", path + " は開けませんでした", QMessageBox::Warning});
+    {
+        const MemoryLimit limit(250 * mebibyte);
+        QVERIFY(!QImage(path).isNull());
+        load(path);
+    }
+    QVERIFY(driver.done());
+    QVERIFY(m_window->image.isNull());
+    QCOMPARE(m_window->loadFileName, QString());
+    QVERIFY(!m_window->selectShow);
+    QVERIFY(m_window->ui->label->pixmap(Qt::ReturnByValue).isNull());
+    QCOMPARE(m_window->centerX, circle.centerX);
+    QCOMPARE(m_window->radius, circle.radius);
+    QCOMPARE(m_window->imageWidth, 100);
+    QCOMPARE(m_window->ui->lineSaveFilename->text(), QString("OV-good.jpg"));
+    load(path); // now there is enough
+    QCOMPARE(m_window->ui->label->pixmap(Qt::ReturnByValue).size(), QSize(10000, 10000));
+}
+
+// The toolkit would look among the pictures that are compiled in, and find this one.
+void tst_Loading::colonInFrontIsPartOfTheName()
+{
+    const QString before = QDir::currentPath();
+    QVERIFY(QDir::setCurrent(m_window->folder()));
+    QVERIFY(QFile::exists(":/up.png"));
+    ModalDriver driver;
+    driver.expectMessage({"開く", ":/up.png は開けませんでした", QMessageBox::Warning});
+    load(":/up.png");
+    QVERIFY(driver.done());
+    QVERIFY(QFile::rename(picture("colon.png"), "./:photo.png"));
+    load(":photo.png");
+    QVERIFY(QDir::setCurrent(before));
+    QCOMPARE(m_window->image.size(), QSize(100, 80));
+    QCOMPARE(m_window->saveFileName, m_window->folder() + "/OV-:photo.jpg");
 }
 
 void tst_Loading::toolTipShowsThePathAsItIs()
