@@ -6,6 +6,8 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <new>
+
 namespace
 {
 
@@ -15,8 +17,11 @@ bool readFile(const QString &path, QByteArray &contents)
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return false;
-    contents = file.read(largestIniFile + 1);
-    return file.error() == QFile::NoError && contents.size() <= largestIniFile;
+    const qint64 size = file.size();
+    if (size > largestIniFile)
+        return false;
+    contents = file.read(size + 1); // memory for as much is taken beforehand
+    return file.error() == QFile::NoError && contents.size() == size;
 }
 
 } // namespace
@@ -27,7 +32,10 @@ IniText openIniFile(const QString &path)
     return readFile(path, contents) ? IniText(contents) : IniText();
 }
 
-bool writeIniFile(const QString &path, const QVector<QPair<QString, QVariant>> &values)
+namespace
+{
+
+bool writeValues(const QString &path, const QVector<QPair<QString, QVariant>> &values)
 {
     QByteArray contents;
     if (QFileInfo::exists(path) && !readFile(path, contents))
@@ -37,6 +45,17 @@ bool writeIniFile(const QString &path, const QVector<QPair<QString, QVariant>> &
         text.setValue(key, value);
     return QDir().mkpath(QFileInfo(path).absolutePath()) &&
            replaceFile(path, text.contents(), ReadOnlyFolder::Refuse);
+}
+
+} // namespace
+
+bool writeIniFile(const QString &path, const QVector<QPair<QString, QVariant>> &values)
+{
+    try {
+        return writeValues(path, values);
+    } catch (const std::bad_alloc &) {
+        return false;
+    }
 }
 
 void loadSettings(const QString &path, const QVector<Setting> &settings)

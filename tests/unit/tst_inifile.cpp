@@ -3,6 +3,7 @@
 
 #include "faults.h"
 #include "files.h"
+#include "memorylimit.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -118,6 +119,7 @@ private slots:
     void fullSmallDiskLeavesOldFile();
     void killedProcessLeavesWholeFile();
     void twoWritersLeaveOneWholeFile();
+    void littleMemoryIsEnoughOrLeavesTheFile();
 
 private:
     QString in(const char *name) const { return m_folder->filePath(QString::fromUtf8(name)); }
@@ -699,6 +701,29 @@ void tst_IniFile::twoWritersLeaveOneWholeFile()
     QVERIFY(both());
     QVERIFY(holds(ini(), manyValues(0)) || holds(ini(), manyValues(1)));
     QCOMPARE(namesIn(m_folder->path()), QStringList{"ovmic.ini"});
+}
+
+void tst_IniFile::littleMemoryIsEnoughOrLeavesTheFile()
+{
+    if (!addressSpaceCanBeLimited)
+        QSKIP("the sanitizer itself needs the memory");
+    const auto write = [this](rlim_t bytes) {
+        return inChild([&] {
+            const MemoryLimit limit(bytes);
+            return writeIniFile(ini(), {{"Radius", 7}});
+        });
+    };
+    writeFile(ini(), "[General]\nRadius=1\n");
+    QCOMPARE(write(4 * mebibyte), Answer::Yes);
+    QCOMPARE(valueIn(contentsOf(ini()), "Radius"), QByteArray("7"));
+    // The values of another program, too many for the memory; at one moment or another it is not enough.
+    const QByteArray large = "[General]\n" + QByteArray("Key=0123456789\n").repeated(2000000);
+    for (const rlim_t megabytes : {1, 30, 60, 90, 120}) {
+        writeFile(ini(), large);
+        const Answer answer = write(megabytes * mebibyte);
+        QVERIFY2(answer != Answer::Crashed, qPrintable(QString::number(megabytes)));
+        QVERIFY((answer == Answer::No) == (contentsOf(ini()) == large));
+    }
 }
 
 QTEST_GUILESS_MAIN(tst_IniFile)
