@@ -16,7 +16,6 @@
 #include <atomic>
 #include <memory>
 #include <new>
-#include <utility>
 #include <vector>
 
 namespace
@@ -75,7 +74,7 @@ private:
     /// @return why there is no map; empty if there is one
     QString made(const MapJob &job)
     {
-        const LoadedPhotograph photograph = loadPhotograph(job.photograph, std::move(m_memory));
+        const LoadedPhotograph photograph = loadPhotograph(job.photograph, m_memory);
         if (!photograph.reason.isEmpty())
             return photograph.reason;
         QString reason;
@@ -89,7 +88,6 @@ private:
         const QImage map = convertToMap(photograph.image, parameters, AzimuthStep::Rotates, {});
         if (map.isNull())
             return QStringLiteral("map cannot be made: Not enough memory");
-        m_memory = photograph.image; // for the next one
         const QByteArray encoded = encodedMap(map, m_plan.format().toLatin1().constData(), m_options.quality);
         if (encoded.isEmpty())
             return QStringLiteral("map cannot be written: %1 x %2 pixels cannot be encoded as %3")
@@ -129,7 +127,7 @@ private:
     const MapPlan &m_plan;
     const MapOptions &m_options;
     Report &m_report;
-    QImage m_memory; // of the last photograph
+    PixelMemory m_memory; // of the photographs
 };
 
 } // namespace

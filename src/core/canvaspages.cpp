@@ -1,5 +1,7 @@
 #include "canvaspages.h"
 
+#include "largepages.h"
+
 #ifdef __linux__
 #include <sys/mman.h>
 
@@ -20,22 +22,12 @@ constexpr std::size_t leastBytes = std::size_t(32) << 20;
 #ifdef __linux__
 
 constexpr std::uintptr_t pageBytes = 4096; // no harm where pages are larger
-constexpr std::uintptr_t largePageBytes = std::uintptr_t(2) << 20;
 
-std::uintptr_t roundedDown(std::uintptr_t address, std::uintptr_t unit)
-{
-    return address / unit * unit;
-}
-
-std::uintptr_t roundedUp(std::uintptr_t address, std::uintptr_t unit)
-{
-    return roundedDown(address + unit - 1, unit);
-}
-
-void advise(std::uintptr_t begin, std::uintptr_t end, int advice)
+/// Gets pages as their first writes would. @param begin, end  at their edges
+void fetchPages(std::uintptr_t begin, std::uintptr_t end)
 {
     if (begin < end)
-        madvise(reinterpret_cast<void *>(begin), end - begin, advice);
+        madvise(reinterpret_cast<void *>(begin), end - begin, MADV_POPULATE_WRITE);
 }
 
 std::uintptr_t addressOf(const uint32_t *pixel)
@@ -58,8 +50,7 @@ void CanvasPages::mapBegins(const projection::PixelRanges &pixels) const
     if (!m_isLarge)
         return;
     for (const projection::PixelRange &range : pixels)
-        advise(roundedUp(addressOf(range.begin), largePageBytes),
-               roundedDown(addressOf(range.end), largePageBytes), MADV_HUGEPAGE);
+        preferLargePages(addressOf(range.begin), addressOf(range.end));
 }
 
 void CanvasPages::bandBegins(const projection::PixelRanges &pixels) const
@@ -69,14 +60,14 @@ void CanvasPages::bandBegins(const projection::PixelRanges &pixels) const
     std::uintptr_t begin = 0;
     std::uintptr_t end = 0;
     for (const projection::PixelRange &range : pixels) {
-        const std::uintptr_t firstPage = roundedDown(addressOf(range.begin), pageBytes);
+        const std::uintptr_t firstPage = addressOf(range.begin) / pageBytes * pageBytes;
         if (firstPage > end) {
-            advise(begin, end, MADV_POPULATE_WRITE);
+            fetchPages(begin, end);
             begin = firstPage;
         }
-        end = roundedUp(addressOf(range.end), pageBytes);
+        end = (addressOf(range.end) + pageBytes - 1) / pageBytes * pageBytes;
     }
-    advise(begin, end, MADV_POPULATE_WRITE);
+    fetchPages(begin, end);
 }
 
 #else

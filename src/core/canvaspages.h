@@ -5,9 +5,9 @@
 #include <cstddef>
 
 /// Gets the memory of a large canvas from the system in fewer and larger pieces than its first writes would: large
-/// pages where everything on them is painted, and for the rest the pages of a band of rows at once, while they are still in the
-/// cache when the band is painted. What is not painted costs no memory. Only advice: where the system knows none,
-/// or refuses, nothing changes.
+/// pages where everything on them is painted, and for the rest the pages of a band of rows at once, so that they
+/// are still in the cache when the band is painted. What is not painted costs no memory. Only advice: where the
+/// system knows none, or refuses, nothing changes.
 class CanvasPages
 {
 public:

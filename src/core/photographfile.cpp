@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <new>
-#include <utility>
 
 #ifdef Q_OS_UNIX
 #include <unistd.h>
@@ -32,10 +31,25 @@ QString reasonAgainst(const QFileInfo &file)
     return {};
 }
 
-/// Why the picture in a file is too large; empty if it is not, or does not say.
-QString reasonAgainstSize(const QString &path)
+/// What a file says of its picture before it is decoded, as far as it says it.
+struct Header {
+    explicit Header(const QString &path)
+    {
+        QImageReader reader(path);
+        size = reader.size();
+        isJpeg = reader.format() == "jpeg";
+        if (isJpeg)
+            pixelFormat = reader.imageFormat();
+    }
+
+    QSize size;
+    QImage::Format pixelFormat = QImage::Format_Invalid; ///< of a JPEG
+    bool isJpeg = false;
+};
+
+/// Why a picture is too large; empty if it is not.
+QString reasonAgainstSize(QSize size)
 {
-    const QSize size = QImageReader(path).size();
     // 4 bytes a pixel, whatever is in the file: that is what it is shown and converted in.
     const qint64 bytes = size.isValid() ? qint64(size.width()) * size.height() * 4 : 0;
     if (bytes <= largestPhotographBytes())
@@ -46,27 +60,31 @@ QString reasonAgainstSize(const QString &path)
         .arg(double(largestPhotographBytes()) / double(bytesPerGigabyte), 0, 'f', 1);
 }
 
-/// Decodes into the memory where every pixel is written anew, and as QImage::load does everywhere else.
-QImage decoded(QFile &file, QImageReader &reader, QImage memory)
+/// Decodes into the memory where every pixel is written, and as QImage::load does everywhere else.
+QImage decoded(QFile &file, QImageReader &reader, const Header &header, PixelMemory &memory)
 {
-    if (!memory.isNull() && reader.format() == "jpeg" && reader.read(&memory))
-        return memory;
-    memory = QImage();
+    if (header.isJpeg && header.size.isValid() && header.pixelFormat != QImage::Format_Invalid) {
+        QImage image = memory.image(header.size, header.pixelFormat);
+        if (!image.isNull() && reader.read(&image))
+            return image;
+    }
+    memory.clear();
     file.seek(0);
     reader.setDevice(&file);
     return reader.read();
 }
 
-LoadedPhotograph read(const QString &path, QImage memory)
+LoadedPhotograph read(const QString &path, PixelMemory &memory)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return {{}, QStringLiteral("cannot be read: ") + file.errorString()};
-    QString reason = reasonAgainstSize(path);
+    const Header header(path);
+    QString reason = reasonAgainstSize(header.size);
     if (!reason.isEmpty())
         return {{}, reason};
     QImageReader reader(&file);
-    QImage image = decoded(file, reader, std::move(memory));
+    QImage image = decoded(file, reader, header, memory);
     if (image.isNull()) {
         const bool unknown = reader.error() == QImageReader::UnsupportedFormatError;
         reason = (unknown ? QStringLiteral("not an image: ") : QStringLiteral("cannot be read: ")) +
@@ -77,14 +95,20 @@ LoadedPhotograph read(const QString &path, QImage memory)
 
 } // namespace
 
-LoadedPhotograph loadPhotograph(const QString &path, QImage memory)
+LoadedPhotograph loadPhotograph(const QString &path)
+{
+    PixelMemory memory;
+    return loadPhotograph(path, memory);
+}
+
+LoadedPhotograph loadPhotograph(const QString &path, PixelMemory &memory)
 {
     const QFileInfo file(plainPath(path));
     const QString reason = reasonAgainst(file);
     if (!reason.isEmpty())
         return {{}, reason};
     try {
-        return read(file.filePath(), std::move(memory));
+        return read(file.filePath(), memory);
     } catch (const std::bad_alloc &) { // compressed texts beside the picture can unfold to gigabytes
         return {{}, QStringLiteral("cannot be read: Not enough memory")};
     }

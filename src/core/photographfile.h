@@ -1,5 +1,7 @@
 #pragma once
 
+#include "pixelmemory.h"
+
 #include <QImage>
 #include <QString>
 
@@ -13,9 +15,10 @@ struct LoadedPhotograph {
 /// opened. Never fails otherwise than with a reason: too little memory is one, and so is a picture that would
 /// need more than largestPhotographBytes().
 /// @param path    as the system takes it; a leading colon has no meaning
-/// @param memory  an earlier photograph that nobody needs any more; a JPEG of the same size is decoded into its
-///                pixels, which the system then need not hand out page by page again
-LoadedPhotograph loadPhotograph(const QString &path, QImage memory = {});
+LoadedPhotograph loadPhotograph(const QString &path);
+/// The same into the pixels of an earlier photograph, if both are JPEGs of one size.
+/// @param memory  of all photographs of a series
+LoadedPhotograph loadPhotograph(const QString &path, PixelMemory &memory);
 
 /// The file that QImage::load takes for a path. Where none can be opened under it, that is the first one that has a
 /// known suffix more; a name typed without its suffix finds its photograph.

@@ -123,6 +123,7 @@ MainWindow::BatchCount MainWindow::convertFiles(Status &status)
     const QStringList &inputs = run.inputs;
     BatchCount count;
     count.inputs = inputs.size();
+    PixelMemory memory;
     for (int i = 0; i < inputs.size(); ++i) {
         QCoreApplication::processEvents();
         // A window that was closed in the middle of the run has nobody left to run for.
@@ -130,7 +131,7 @@ MainWindow::BatchCount MainWindow::convertFiles(Status &status)
         if (status.isStopped() || closed)
             break;
         image = QImage(); // the last photograph goes before the next one comes
-        image = loadPhotograph(fileWithSuffix(inputs.at(i))).image;
+        image = loadPhotograph(fileWithSuffix(inputs.at(i)), memory).image;
         if (image.isNull()) {
             ++count.failed;
             continue;

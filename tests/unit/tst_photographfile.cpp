@@ -5,6 +5,7 @@
 #include "hostilepictures.h"
 #include "imagecompare.h"
 #include "memorylimit.h"
+#include "photographs.h"
 #include "rng.h"
 
 #include <QImageReader>
@@ -27,6 +28,7 @@ private slots:
     void suffixIsLeftOutAsThePictureClassAllows();
     void loadsDamagedFilesAsThePictureClassDoes();
     void memoryOfAnotherPhotographChangesNothing();
+    void memoryCarriesNoTexts();
     void saysWhyNot_data();
     void saysWhyNot();
     void neverWaitsForAPipe();
@@ -183,23 +185,53 @@ void tst_PhotographFile::memoryOfAnotherPhotographChangesNothing()
     QVERIFY(QFile::copy(OVMIC_SAMPLES "/series-1.jpg", in("whole.jpg")));
     QVERIFY(QFile::copy(OVMIC_SAMPLES "/earth-000e.png", in("whole.png")));
     const QByteArray whole = contentsOf(in("whole.jpg"));
-    QImage memory(1280, 960, QImage::Format_RGB32);
-    const uchar *pixels = memory.constBits();
-    memory = loadPhotograph(in("whole.jpg"), std::move(memory)).image;
-    QCOMPARE(memory.constBits(), pixels); // it was taken
-    COMPARE_IMAGES(memory, QImage(in("whole.jpg")));
+    PixelMemory memory;
+    const auto fillWithMagenta = [&memory] {
+        memory.image({1280, 960}, QImage::Format_RGB32).fill(Qt::magenta);
+    };
+    fillWithMagenta();
+    const uchar *pixels = memory.image({1280, 960}, QImage::Format_RGB32).constBits();
+    QImage first = loadPhotograph(in("whole.jpg"), memory).image;
+    QCOMPARE(first.constBits(), pixels); // it was taken
+    COMPARE_IMAGES(first, QImage(in("whole.jpg")));
+    const QImage second = loadPhotograph(in("whole.jpg"), memory).image;
+    COMPARE_IMAGES(first, second); // somebody has the first one still
+    QVERIFY(second.constBits() != first.constBits());
     for (int i = 0; i < 60; ++i) {
         QByteArray bytes = whole.left(i % 2 == 0 ? whole.size() : rng.between(0, whole.size() - 1));
         for (int change = 0; change < i % 5 && !bytes.isEmpty(); ++change)
             bytes[rng.between(0, bytes.size() - 1)] = char(rng.word());
         writeFile(in("damaged.jpg"), bytes);
-        memory.fill(Qt::magenta);
-        const LoadedPhotograph photograph = loadPhotograph(in("damaged.jpg"), std::move(memory));
+        fillWithMagenta();
+        const LoadedPhotograph photograph = loadPhotograph(in("damaged.jpg"), memory);
         COMPARE_IMAGES(photograph.image, QImage(in("damaged.jpg")));
-        memory = QImage(1280, 960, QImage::Format_RGB32);
     }
-    memory.fill(Qt::magenta);
-    COMPARE_IMAGES(loadPhotograph(in("whole.png"), std::move(memory)).image, QImage(in("whole.png")));
+    fillWithMagenta();
+    COMPARE_IMAGES(loadPhotograph(in("whole.png"), memory).image, QImage(in("whole.png")));
+}
+
+// What a file says beside its pixels is its own: nothing of the photograph before stays in the memory.
+void tst_PhotographFile::memoryCarriesNoTexts()
+{
+    QImage photograph = colourfulPhotograph({64, 48}).convertToFormat(QImage::Format_RGB32);
+    QVERIFY(photograph.save(in("plain.jpg")));
+    photograph.setText("Author", "somebody");
+    photograph.setDotsPerMeterX(1000);
+    photograph.setDotsPerMeterY(2000);
+    QVERIFY(photograph.save(in("texts@2x.jpg")));
+    PixelMemory memory;
+    for (const char *name : {"texts@2x.jpg", "plain.jpg", "texts@2x.jpg"}) {
+        const QImage expected(in(name));
+        const QImage image = loadPhotograph(in(name), memory).image;
+        COMPARE_IMAGES(image, expected);
+        QCOMPARE(image.textKeys(), expected.textKeys());
+        QCOMPARE(image.text("Author"), expected.text("Author"));
+        QCOMPARE(image.dotsPerMeterX(), expected.dotsPerMeterX());
+        QCOMPARE(image.dotsPerMeterY(), expected.dotsPerMeterY());
+        QCOMPARE(image.devicePixelRatio(), expected.devicePixelRatio());
+        QCOMPARE(image.colorSpace(), expected.colorSpace());
+    }
+    QVERIFY(!QImage(in("texts@2x.jpg")).textKeys().isEmpty());
 }
 
 void tst_PhotographFile::saysWhyNot_data()
