@@ -1,5 +1,7 @@
 #include "circleoverlay.h"
 
+#include "pixelmemory.h"
+
 #include <algorithm>
 #include <cstring>
 #include <utility>
@@ -37,6 +39,8 @@ std::optional<QPoint> translucentPixel(const QImage &photograph)
 /// additional bits before it is premultiplied, not after.
 QImage converted(QImage part, QImage::Format format)
 {
+    if (part.format() == QImage::Format_RGB32 && format == QImage::Format_RGB32)
+        return part;
     return std::move(part).convertToFormat(QImage::Format_ARGB32).convertToFormat(format);
 }
 
@@ -64,17 +68,15 @@ QPixmap CircleOverlay::picture(const QImage &photograph, const std::optional<Sel
 
     const std::optional<QVector<QRect>> rectangles =
         circle ? paintedRectangles(m_photograph.size(), *circle, pen.size) : QVector<QRect>();
-    Buffer &buffer = m_buffers[m_next];
-    if (rectangles && keepsAlphaChannel(*rectangles) && haveBuffer(buffer)) {
-        updateBuffer(buffer, *rectangles, circle, pen);
-        m_next = 1 - m_next;
-        return QPixmap::fromImage(buffer.image, Qt::NoOpaqueDetection);
+    if (rectangles && keepsAlphaChannel(*rectangles) && havePicture()) {
+        updatePicture(*rectangles, circle, pen);
+        return QPixmap::fromImage(m_picture, Qt::NoOpaqueDetection);
     }
     QPixmap picture = uncachedPicture(m_photograph, circle, pen);
     if (picture.isNull()) {
-        // What the buffers take may be just what is missing; without them every step is slow.
+        // What the overlay takes may be just what is missing; without it every step is slow.
         m_layer = QImage();
-        m_buffers = {};
+        m_picture = QImage();
         picture = uncachedPicture(m_photograph, circle, pen);
     }
     return picture;
@@ -104,29 +106,40 @@ bool CircleOverlay::keepsAlphaChannel(const QVector<QRect> &rectangles) const
                         [this](const QRect &rectangle) { return rectangle.contains(*m_translucentPixel); });
 }
 
-// Whether there is memory for the buffer and for the layer. Without a layer there are no buffers any more.
-bool CircleOverlay::haveBuffer(Buffer &buffer) const
+// Whether there is memory for a picture that nobody else has, and for the layer. Without a layer there is no
+// picture any more.
+bool CircleOverlay::havePicture()
 {
     if (m_layer.isNull())
         return false;
-    if (buffer.image.isNull())
-        buffer.image = converted(m_photograph, m_translucentPixel ? QImage::Format_ARGB32_Premultiplied
-                                                                  : QImage::Format_RGB32);
-    return !buffer.image.isNull();
+    if (!m_picture.isNull() && !m_picture.isDetached())
+        m_picture = m_picture.copy();
+    if (!m_picture.isNull())
+        return true;
+    const QSize size = m_photograph.size();
+    m_picture = PixelMemory().image(size, m_translucentPixel ? QImage::Format_ARGB32_Premultiplied
+                                                             : QImage::Format_RGB32);
+    if (m_picture.isNull())
+        return false;
+    m_painted.clear();
+    constexpr int rows = 16; // stay in the cache on their way
+    for (int y = 0; y < size.height(); y += rows)
+        copyRectangle(m_photograph, m_picture, {0, y, size.width(), std::min(rows, size.height() - y)});
+    return true;
 }
 
 // Takes the old circle away and paints the new one.
-void CircleOverlay::updateBuffer(Buffer &buffer, const QVector<QRect> &rectangles,
-                                 const std::optional<SelectionCircle> &circle, const CirclePen &pen)
+void CircleOverlay::updatePicture(const QVector<QRect> &rectangles,
+                                  const std::optional<SelectionCircle> &circle, const CirclePen &pen)
 {
-    for (const QRect &rectangle : std::as_const(buffer.rectangles))
-        copyRectangle(m_photograph, buffer.image, rectangle);
+    for (const QRect &rectangle : std::as_const(m_painted))
+        copyRectangle(m_photograph, m_picture, rectangle);
     if (circle) {
         for (const QRect &rectangle : rectangles)
             copyRectangle(m_photograph, m_layer, rectangle);
         paintCircle(m_layer, *circle, pen);
         for (const QRect &rectangle : rectangles)
-            copyRectangle(m_layer, buffer.image, rectangle);
+            copyRectangle(m_layer, m_picture, rectangle);
     }
-    buffer.rectangles = rectangles;
+    m_painted = rectangles;
 }

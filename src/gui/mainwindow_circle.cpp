@@ -66,6 +66,7 @@ void MainWindow::updateSelect()
 // Shows the photograph with a circle as an overlay, or without; the members stay as they are.
 void MainWindow::showCircle(const std::optional<SelectionCircle> &shown, Qt::PenStyle square)
 {
+    ui->label->setPixmap(QPixmap()); // the overlay changes the pixels of the last picture
     ui->label->setPixmap(circleOverlay.picture(image, shown, {penColor, penSize, square}));
 }
 

@@ -13,16 +13,19 @@ QPixmap PictureLabel::picture() const
 #endif
 }
 
-PictureScale PictureLabel::scaleOf(const QPixmap &picture) const
+PictureScale PictureLabel::scaleOf(QSize picture) const
 {
-    return {size(), picture.size(), hasScaledContents()};
+    return {size(), picture, hasScaledContents()};
 }
+
+// The handlers keep the size of the picture only: who hears of a gesture changes the pixels of the next picture in
+// place, unless somebody has the last one still.
 
 void PictureLabel::mousePressEvent(QMouseEvent *event)
 {
     if (event->buttons() & Qt::LeftButton) {
-        const QPixmap shown = picture();
-        if (shown.isNull())
+        const QSize shown = picture().size();
+        if (shown.isEmpty())
             return;
         leftDown = true;
         pressPos = event->pos();
@@ -38,8 +41,8 @@ void PictureLabel::mouseMoveEvent(QMouseEvent *event)
         QLabel::mouseMoveEvent(event);
         return;
     }
-    const QPixmap shown = picture();
-    if (shown.isNull())
+    const QSize shown = picture().size();
+    if (shown.isEmpty())
         return;
     if (leftDown)
         dragged(scaleOf(shown).drag(pressPos, event->pos()));
@@ -52,8 +55,8 @@ void PictureLabel::mouseReleaseEvent(QMouseEvent *event)
     const bool leftHeld = event->buttons() & Qt::LeftButton;
     const bool rightHeld = event->buttons() & Qt::RightButton;
     if (leftDown && !leftHeld) {
-        const QPixmap shown = picture();
-        if (shown.isNull())
+        const QSize shown = picture().size();
+        if (shown.isEmpty())
             return; // the picture vanished in mid-drag: the flags wait for the next release
         dragEnded(scaleOf(shown).drag(pressPos, event->pos()));
     }
@@ -73,7 +76,7 @@ void PictureLabel::paintEvent(QPaintEvent *)
         return;
     painter.setRenderHint(QPainter::SmoothPixmapTransform, hasScaledContents());
     if (hasScaledContents())
-        painter.drawPixmap(scaleOf(shown).fittedRectangle(), shown, QRectF(QPointF(), shown.size()));
+        painter.drawPixmap(scaleOf(shown.size()).fittedRectangle(), shown, QRectF(QPointF(), shown.size()));
     else
         painter.drawPixmap(0, 0, shown);
 }

@@ -43,5 +43,5 @@ protected:
     virtual void rightReleased() = 0;
 
 private:
-    PictureScale scaleOf(const QPixmap &picture) const;
+    PictureScale scaleOf(QSize picture) const;
 };

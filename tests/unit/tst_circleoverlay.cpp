@@ -58,6 +58,7 @@ private slots:
     void noticesANewPhotograph();
     void noticesAnEditedPhotograph();
     void leavesEarlierPixmapsAlone();
+    void changesThePictureThatNobodyHas();
     void leavesThePhotographAlone();
     void keepsOrDropsTheAlphaChannelAsTheUncachedPicture();
     void looksAtPixelsOnly();
@@ -169,6 +170,21 @@ void tst_CircleOverlay::leavesEarlierPixmapsAlone()
         QCOMPARE(difference(pixmaps[radius - 10],
                             uncachedPicture(photograph, SelectionCircle{50, 50, radius}, redPen)),
                  QString());
+}
+
+void tst_CircleOverlay::changesThePictureThatNobodyHas()
+{
+    for (const QImage::Format format : {QImage::Format_RGB32, QImage::Format_ARGB32, QImage::Format_RGB888}) {
+        const QImage photograph = noise({100, 100}, format);
+        CircleOverlay overlay;
+        const uchar *pixels = nullptr;
+        for (int radius = 10; radius < 20; ++radius) {
+            const QImage picture =
+                overlay.picture(photograph, SelectionCircle{50, 50, radius}, redPen).toImage();
+            QVERIFY(!pixels || picture.constBits() == pixels);
+            pixels = picture.constBits();
+        }
+    }
 }
 
 void tst_CircleOverlay::leavesThePhotographAlone()

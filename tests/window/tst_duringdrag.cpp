@@ -2,7 +2,7 @@
 #include "imagecompare.h"
 #include "modaldriver.h"
 
-/// The photograph changes in the middle of a drag over it.
+/// The photograph changes in the middle of a drag over it; the picture does not move in memory.
 class tst_DuringDrag : public QObject
 {
     Q_OBJECT
@@ -13,6 +13,7 @@ private slots:
 
     void dragGoesOnOnAnotherPhotograph();
     void dragWaitsForAPhotograph();
+    void noStepCopiesThePicture();
 
 private:
     std::unique_ptr<CircleWindow> m_window;
@@ -64,6 +65,21 @@ void tst_DuringDrag::dragWaitsForAPhotograph()
     QVERIFY(!m_window->ui->label->leftDown);
     QVERIFY(!m_window->moving);
     QCOMPARE(circleOf(*m_window), CircleWindow::firstCircle);
+}
+
+// From the first step on: a copy of a large photograph takes longer than the rest of a step.
+void tst_DuringDrag::noStepCopiesThePicture()
+{
+    const auto pixels = [this] { return m_window->shownPicture().constBits(); };
+    const uchar *const shown = pixels();
+    m_window->press({200, 200});
+    for (int step = 1; step < 5; ++step) {
+        m_window->moveTo({200 + step, 200 + 2 * step});
+        QCOMPARE(pixels(), shown);
+    }
+    m_window->release({205, 210});
+    QCOMPARE(pixels(), shown);
+    COMPARE_IMAGES(m_window->shownPicture(), m_window->uncached(circleOf(*m_window)));
 }
 
 WINDOW_TEST_MAIN(tst_DuringDrag)
