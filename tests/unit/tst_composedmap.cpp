@@ -39,9 +39,9 @@ QImage composedWithScalars(const Case &c)
     QImage map = canvas({width, p.outputSizeY});
     const MapRotation mapRotation = {(azimuthShift + width) % width, int(90 - p.latitude),
                                      (longitudeShift + width) % width};
-    const bool covered = paintComposedMap(
-        NearSidedPerspective(perspectiveParameters(p, photograph.size())), photographView(photograph),
-        mapRotation, canvasView(map), {}, approximateSourcesScalar);
+    const bool covered = paintComposedMap(NearSidedPerspective(perspectiveParameters(p, photograph.size())),
+                                          photographView(photograph), mapRotation, canvasView(map), {},
+                                          approximateSourcesScalar);
     return covered ? map : QImage();
 }
 
@@ -284,9 +284,8 @@ void tst_ComposedMap::leavesWhatItDoesNotCover()
         parameters.ratioX = size.width() / 20.0;
         parameters.ratioY = size.height() / 40.0;
         QVector<quint32> canvas(size.width() * size.height());
-        const bool covered =
-            paintComposedMap(NearSidedPerspective(parameters), pixels, {0, 55, 0},
-                             {canvas.data(), size.width(), size.width(), size.height()}, {});
+        const bool covered = paintComposedMap(NearSidedPerspective(parameters), pixels, {0, 55, 0},
+                                              {canvas.data(), size.width(), size.width(), size.height()}, {});
         return covered || std::count(canvas.begin(), canvas.end(), 0U) != canvas.size();
     };
     QVERIFY(covers({64, 32}, 10));
