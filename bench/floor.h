@@ -1,7 +1,10 @@
 #pragma once
 
+#include "largepages.h"
+
 #include <QImage>
 
+#include <cstdint>
 #include <cstdlib>
 #include <vector>
 
@@ -11,6 +14,15 @@ inline QImage zeroedCanvas(QSize size)
     void *pixels = std::calloc(size_t(size.width()) * size_t(size.height()), sizeof(quint32));
     return {static_cast<uchar *>(pixels),        size.width(), size.height(), size.width() * 4,
             QImage::Format_ARGB32_Premultiplied, std::free,    pixels};
+}
+
+/// The same on large pages where the system has them, also where little of them is painted.
+inline QImage zeroedCanvasOnLargePages(QSize size)
+{
+    QImage canvas = zeroedCanvas(size);
+    const auto begin = reinterpret_cast<std::uintptr_t>(canvas.constBits());
+    preferLargePages(begin, begin + std::uintptr_t(canvas.sizeInBytes()));
+    return canvas;
 }
 
 /// The photograph pixel of every map pixel, row by row, -1 where nothing is painted.
@@ -27,12 +39,13 @@ inline std::vector<qint32> indexMap(const QImage &map)
     return indexes;
 }
 
-/// The floor: a zeroed canvas, and one tiled pass over a ready index map with plain loads.
-inline QImage paintByIndex(const QImage &photograph, const std::vector<qint32> &indexes, QSize size)
+/// The floor: one tiled pass over a ready index map with plain loads.
+/// @param map  zeroed
+inline QImage paintByIndex(const QImage &photograph, const std::vector<qint32> &indexes, QImage map)
 {
     constexpr int tileRows = 32;
     constexpr int tileColumns = 512;
-    QImage map = zeroedCanvas(size);
+    const QSize size = map.size();
     auto *canvas = reinterpret_cast<quint32 *>(map.bits());
     const auto *pixels = reinterpret_cast<const quint32 *>(photograph.constBits());
     const int width = size.width();
