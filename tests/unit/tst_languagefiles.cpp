@@ -134,6 +134,55 @@ private slots:
             QVERIFY2(file.value(QLatin1String(key)).toString().startsWith(QLatin1Char(' ')), key);
         }
     }
+
+    void aWordIsTheRightOne_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("word");
+        // What adjusts the circle stands below the label.
+        QTest::newRow("adjusted below, English") << "en"
+                                                 << "main/lbl_2"
+                                                 << "below";
+        QTest::newRow("adjusted below, German") << "de"
+                                                << "main/lbl_2"
+                                                << "unten";
+        QTest::newRow("adjusted below, French") << "fr"
+                                                << "main/lbl_2"
+                                                << "dessous";
+        QTest::newRow("adjusted below, Spanish") << "es"
+                                                 << "main/lbl_2"
+                                                 << "abajo";
+        // The count may be one.
+        QTest::newRow("a count of one, English") << "en"
+                                                 << "batch_convert/file_selected"
+                                                 << "file(s)";
+        QTest::newRow("a count of one, German") << "de"
+                                                << "batch_convert/file_selected"
+                                                << "Datei(en)";
+        QTest::newRow("a count of one, French") << "fr"
+                                                << "batch_convert/file_selected"
+                                                << "fichier(s)";
+        QTest::newRow("a count of one, Spanish") << "es"
+                                                 << "batch_convert/file_selected"
+                                                 << "archivo(s)";
+        // "Breite" alone is a width, "Länge" a length.
+        QTest::newRow("latitude, German") << "de"
+                                          << "config/lbl_5"
+                                          << "Breitengrad";
+        QTest::newRow("longitude, German") << "de"
+                                           << "config/lbl_5_2"
+                                           << "Längengrad";
+    }
+    void aWordIsTheRightOne()
+    {
+        QFETCH(QString, language);
+        QFETCH(QString, key);
+        QFETCH(QString, word);
+        QSettings file(path(language), QSettings::IniFormat);
+        file.setIniCodec("UTF-8");
+        QVERIFY2(file.value(key).toString().contains(word), qUtf8Printable(file.value(key).toString()));
+    }
 };
 
 QTEST_GUILESS_MAIN(tst_LanguageFiles)
