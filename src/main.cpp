@@ -1,3 +1,4 @@
+#include "applicationsetup.h"
 #include "mainwindow.h"
 #include "programarguments.h"
 
@@ -41,8 +42,7 @@ QStringList decoded(int argc, char *argv[])
 
 int main(int argc, char *argv[])
 {
-    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling, true);
-    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps, true); // the icons' larger versions
+    followDisplayScale();
     // Whatever follows the switch is a photograph, also where the toolkit would take it for an option of its own.
     const bool unattended = isUnattended(argc, argv);
     int argumentsForToolkit = unattended ? 1 : argc;
