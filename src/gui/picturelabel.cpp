@@ -3,6 +3,12 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+void PictureLabel::setPixmap(const QPixmap &picture)
+{
+    QLabel::setPixmap(picture);
+    update();
+}
+
 QPixmap PictureLabel::picture() const
 {
 #if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)

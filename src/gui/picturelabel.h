@@ -16,6 +16,10 @@ class PictureLabel : public QLabel
 public:
     using QLabel::QLabel;
 
+    /// Shows a picture. The whole widget is painted anew, its frame too, over which the picture reaches: QLabel
+    /// leaves that out.
+    void setPixmap(const QPixmap &picture);
+
     /// The picture; null when none was set, and when a null one was.
     QPixmap picture() const;
 

@@ -67,6 +67,7 @@ private slots:
     void paintsTheWholePictureFitted_data();
     void paintsTheWholePictureFitted();
     void paintsThePictureOneToOne();
+    void paintsItsFrameAnewToo();
     void paintsNothingWithoutAPicture_data();
     void paintsNothingWithoutAPicture();
 };
@@ -521,6 +522,13 @@ void tst_MyImage::paintsThePictureOneToOne()
     painter.drawPixmap(0, 0, pixmap);
     painter.end();
     QCOMPARE(painted(label), expected);
+}
+
+// The picture reaches over the frame, so that an old one would keep a border there.
+void tst_MyImage::paintsItsFrameAnewToo()
+{
+    MyImage label;
+    QCOMPARE(repaintedBySecondPicture(label), QRegion(0, 0, 100, 90));
 }
 
 void tst_MyImage::paintsNothingWithoutAPicture_data()

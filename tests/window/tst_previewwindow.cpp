@@ -64,6 +64,7 @@ private slots:
 
     void paintsTheWholePictureFitted();
     void paintsThePictureOneToOne();
+    void paintsItsFrameAnewToo();
     void paintsNothingWithoutAPicture();
 };
 
@@ -357,6 +358,12 @@ void tst_PreviewWindow::paintsThePictureOneToOne()
     painter.drawPixmap(0, 0, map);
     painter.end();
     QCOMPARE(painted(label), expected);
+}
+
+void tst_PreviewWindow::paintsItsFrameAnewToo()
+{
+    MyImage2 label;
+    QCOMPARE(repaintedBySecondPicture(label), QRegion(0, 0, 100, 90));
 }
 
 void tst_PreviewWindow::paintsNothingWithoutAPicture()

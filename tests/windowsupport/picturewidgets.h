@@ -5,9 +5,11 @@
 #include <QApplication>
 #include <QImage>
 #include <QMouseEvent>
+#include <QPaintEvent>
 #include <QPixmap>
 #include <QStringList>
 #include <QWidget>
+#include <QtTest>
 
 #include <utility>
 
@@ -94,6 +96,41 @@ inline QImage painted(QWidget &widget)
     image.fill(Qt::green);
     widget.render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
     return image;
+}
+
+/// What a widget paints on the screen when a picture is set over another one of the same size.
+template <typename Widget>
+QRegion repaintedBySecondPicture(Widget &label)
+{
+    class PaintedRegion : public QObject
+    {
+    public:
+        QRegion region;
+
+    protected:
+        bool eventFilter(QObject *, QEvent *event) override
+        {
+            if (event->type() == QEvent::Paint)
+                region += static_cast<QPaintEvent *>(event)->region();
+            return false;
+        }
+    };
+    label.setFrameShape(QFrame::Box);
+    label.setScaledContents(true);
+    label.setPixmap(pattern(100, 90));
+    label.resize(100, 90);
+    label.show();
+    if (!QTest::qWaitForWindowExposed(&label))
+        return {};
+    QApplication::processEvents();
+    PaintedRegion painted;
+    label.installEventFilter(&painted);
+    QPixmap other(100, 90);
+    other.fill(Qt::white);
+    label.setPixmap(other);
+    QApplication::processEvents();
+    label.removeEventFilter(&painted);
+    return painted.region;
 }
 
 } // namespace picturewidgets
