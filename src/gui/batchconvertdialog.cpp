@@ -5,6 +5,19 @@
 
 #include <QDir>
 #include <QFileInfo>
+#include <QStandardPaths>
+
+namespace
+{
+
+/// Where to look for photographs while no folder is known: an empty one would show the list of drives.
+QString picturesFolder()
+{
+    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    return QFileInfo::exists(pictures) ? pictures : QDir::homePath();
+}
+
+} // namespace
 
 BatchConvertDialog::BatchConvertDialog(QWidget *parent)
     : QDialog(parent), ui(std::make_unique<Ui::BatchConvertDialog>())
@@ -64,7 +77,7 @@ void BatchConvertDialog::prepare(QFileDialog &picker, QFileDialog::FileMode mode
                                  const char *titleKey)
 {
     picker.setFileMode(mode);
-    picker.setDirectory(folder);
+    picker.setDirectory(folder.isEmpty() ? picturesFolder() : folder);
     picker.setWindowTitle(showString.value(QString::fromLatin1(titleKey)));
 }
 

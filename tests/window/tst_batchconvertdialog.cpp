@@ -239,6 +239,39 @@ private slots:
         QCOMPARE(dialog.showString.value("file_filter"), QStringLiteral("画像ファイル (*.gif *.png *.jpg)"));
     }
 
+    // -- pickers
+
+    void pickersOpenAtThePictures_whileNoFolderIsKnown_data()
+    {
+        QTest::addColumn<bool>("hasPictures");
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("pictures") << true << "Pictures";
+        QTest::newRow("home") << false << ".";
+    }
+
+    void pickersOpenAtThePictures_whileNoFolderIsKnown()
+    {
+        QFETCH(bool, hasPictures);
+        QFETCH(QString, folder);
+        const QTemporaryDir home;
+        if (hasPictures)
+            QVERIFY(QDir(home.path()).mkdir("Pictures"));
+        const QByteArray oldHome = qgetenv("HOME");
+        qputenv("HOME", home.path().toUtf8());
+        const QString wanted = QDir(home.filePath(folder)).canonicalPath();
+        for (const char *button : {"btnSelectFiles", "btnSelectFolder", "btnOutputFolder"}) {
+            ReadyDialog dialog;
+            ModalDriver driver;
+            driver.expect<QFileDialog>([&](QFileDialog *picker) {
+                picker->reject();
+                QCOMPARE(picker->directory().canonicalPath(), wanted);
+            });
+            press(dialog, button);
+            QVERIFY(driver.done());
+        }
+        qputenv("HOME", oldHome);
+    }
+
     // -- showing the members
 
     void exec_showsCountFolderAndOptions()
