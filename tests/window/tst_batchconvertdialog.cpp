@@ -1,5 +1,6 @@
 #include "batchconvertdialog.h"
 #include "modaldriver.h"
+#include "taborder.h"
 
 #include <QButtonGroup>
 #include <QCheckBox>
@@ -99,6 +100,15 @@ private slots:
             "radioFilename1",   "label_5",           "radioFilename2", "btnConvert", "btnClose",
             "label_1",          "checkOpenFiler",    "checkOverwrite"};
         QCOMPARE(names, expected);
+    }
+
+    void tabGoesInReadingOrder()
+    {
+        const BatchConvertDialog dialog;
+        QCOMPARE(tabOrder(child<QWidget>(dialog, "btnSelectFiles")),
+                 (QStringList{"btnSelectFiles", "btnSelectFolder", "radioSortType1", "radioSortType2",
+                              "btnOutputFolder", "radioFilename1", "radioFilename2", "checkOverwrite",
+                              "checkOpenFiler", "btnConvert", "btnClose"}));
     }
 
     void everyWidgetHasItsOwnRoom()

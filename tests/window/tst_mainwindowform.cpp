@@ -1,3 +1,4 @@
+#include "taborder.h"
 #include "ui_mainwindow.h"
 
 #include <QMainWindow>
@@ -163,6 +164,14 @@ private slots:
         QCOMPARE(ui.widget->sizePolicy(), QSizePolicy(QSizePolicy::Fixed, QSizePolicy::Preferred));
         QCOMPARE(ui.widget->minimumSize(), QSize(200, 500));
         QVERIFY(!ui.widget->layout());
+    }
+
+    void tabGoesInReadingOrder()
+    {
+        QCOMPARE(tabOrder(ui.btnImageRead),
+                 (QStringList{"btnImageRead", "lineCenterX", "lineCenterY", "lineRadius", "btnUp", "btnLeft",
+                              "btnRight", "btnDown", "btnSizeUp", "btnSizeDown", "btnPreview", "btnConvert",
+                              "lineSaveFilename", "btnBrowse", "scrollArea"}));
     }
 
     void label_data()
