@@ -54,6 +54,7 @@ MainWindow::~MainWindow() = default;
 void MainWindow::readShowString()
 {
     readTexts();
+    nameForScreenReaders();
     setWindowTitle(showString.value("title") + version);
     previewWindow->setWindowTitle(showString.value("preview_window_title"));
     loadSettings(settingFile, settings());

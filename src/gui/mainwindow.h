@@ -166,6 +166,7 @@ private:
     };
 
     void readTexts();
+    void nameForScreenReaders();
     QVector<Setting> settings();
     SelectionCircle circle() const;
     void setCircle(const SelectionCircle &value);

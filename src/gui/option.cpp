@@ -49,6 +49,9 @@ void Option::readShowString()
     texts.caption("btn_cancel", ui->btnCancel, &QPushButton::setText);
     texts.caption("title", this, &QDialog::setWindowTitle);
     texts.message("error_mess", "範囲内で入力して下さい");
+    // For screen readers; the other fields are the buddies of their labels.
+    ui->lineOutputSizeX->setAccessibleName(ui->label_2->text() + " ↔");
+    ui->lineOutputSizeY->setAccessibleName(ui->label_2->text() + " ↕");
 }
 
 int Option::exec()

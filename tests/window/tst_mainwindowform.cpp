@@ -174,6 +174,13 @@ private slots:
                               "lineSaveFilename", "btnBrowse", "scrollArea"}));
     }
 
+    void labelsNameTheirFields()
+    {
+        QCOMPARE(ui.label_center->buddy(), ui.lineCenterX);
+        QCOMPARE(ui.label_radius->buddy(), ui.lineRadius);
+        QCOMPARE(ui.label_4_2->buddy(), ui.lineSaveFilename);
+    }
+
     void label_data()
     {
         QTest::addColumn<QRect>("place");

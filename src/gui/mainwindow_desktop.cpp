@@ -1,0 +1,20 @@
+// MainWindow: what a desktop expects of a window: names for screen readers.
+
+#include "mainwindow.h"
+
+#include "ui_mainwindow.h"
+
+// Labels with one field are its buddies. The others share a label, and the buttons have none: a caption and a
+// symbol, which a screen reader speaks in the user's language.
+void MainWindow::nameForScreenReaders()
+{
+    const QString centre = ui->label_center->text();
+    ui->lineCenterX->setAccessibleName(centre + " ↔");
+    ui->lineCenterY->setAccessibleName(centre + " ↕");
+    ui->btnUp->setAccessibleName(centre + " ↑");
+    ui->btnDown->setAccessibleName(centre + " ↓");
+    ui->btnLeft->setAccessibleName(centre + " ←");
+    ui->btnRight->setAccessibleName(centre + " →");
+    ui->btnSizeUp->setAccessibleName(ui->label_radius->text() + " +");
+    ui->btnSizeDown->setAccessibleName(ui->label_radius->text() + " −");
+}
