@@ -78,6 +78,35 @@ private slots:
         QCOMPARE(m_reader->labelOf("combo box", "JPG"), QStringLiteral("Image format"));
     }
 
+    void toolkitSpeaksOneLanguageWithTheProgram_data()
+    {
+        QTest::addColumn<QString>("language");
+        QTest::addColumn<QByteArray>("locale");
+        QTest::addColumn<QString>("convert");
+        QTest::addColumn<QString>("yes");
+        QTest::newRow("Japanese without a language file")
+            << QString() << QByteArray("de_DE.UTF-8") << "画像変換"
+            << "はい(Y)";
+        QTest::newRow("the system's with one") << "de" << QByteArray("de_DE.UTF-8") << "Umwandeln"
+                                               << "Ja";
+        QTest::newRow("English without a translation") << "en" << QByteArray("C.UTF-8") << "Convert"
+                                                       << "Yes";
+    }
+
+    void toolkitSpeaksOneLanguageWithTheProgram()
+    {
+        QFETCH(QString, language);
+        QFETCH(QByteArray, locale);
+        QFETCH(QString, convert);
+        QFETCH(QString, yes);
+        qputenv("LC_ALL", locale);
+        m_desktop->folder().write("OV-photo.jpg", "an older map");
+        start(language);
+        QVERIFY(m_reader->activate("push button", convert));
+        QTRY_VERIFY2(m_reader->names("push button").contains(yes),
+                     qPrintable(m_reader->names("push button").join(", ")));
+    }
+
 private:
     /// Starts the program with a photograph, and waits until it is loaded.
     void start(const QString &language)
