@@ -41,6 +41,7 @@ MainWindow::MainWindow(QWidget *parent)
     ui->lineCenterY->setText(QStringLiteral("0"));
     penColor.setNamedColor(QStringLiteral("#FFFF0000"));
     ui->label->setAttribute(Qt::WA_MouseTracking);
+    drawIcons();
 
     connect(previewWindow.get(), SIGNAL(hidden()), this, SLOT(slotPreviewWindowHidden()));
     connect(startTimer, SIGNAL(timeout()), this, SLOT(timeout()));

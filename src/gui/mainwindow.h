@@ -52,6 +52,7 @@ public:
     std::function<void()> startUpPassBegins;
 
 protected:
+    void changeEvent(QEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
@@ -167,6 +168,7 @@ private:
 
     void readTexts();
     void nameForScreenReaders();
+    void drawIcons();
     QVector<Setting> settings();
     SelectionCircle circle() const;
     void setCircle(const SelectionCircle &value);
