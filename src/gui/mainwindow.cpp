@@ -42,6 +42,7 @@ MainWindow::MainWindow(QWidget *parent)
     penColor.setNamedColor(QStringLiteral("#FFFF0000"));
     ui->label->setAttribute(Qt::WA_MouseTracking);
     drawIcons();
+    addShortcuts();
 
     connect(previewWindow.get(), SIGNAL(hidden()), this, SLOT(slotPreviewWindowHidden()));
     connect(startTimer, SIGNAL(timeout()), this, SLOT(timeout()));

@@ -6,6 +6,7 @@
 
 #include <QColor>
 #include <QImage>
+#include <QList>
 #include <QMainWindow>
 #include <QMap>
 #include <QString>
@@ -17,6 +18,7 @@
 #include <optional>
 
 class PreviewWindow;
+class QShortcut;
 class QTimer;
 class Status;
 struct Setting;
@@ -168,7 +170,9 @@ private:
 
     void readTexts();
     void nameForScreenReaders();
+    void addShortcuts();
     void drawIcons();
+    void showManual() const;
     QVector<Setting> settings();
     SelectionCircle circle() const;
     void setCircle(const SelectionCircle &value);
@@ -189,5 +193,6 @@ private:
     bool saveMapOfFile(const BatchRun &run, int position);
     void reportBatch(const BatchCount &count);
 
-    CircleOverlay circleOverlay; // what the label shows
+    CircleOverlay circleOverlay;  // what the label shows
+    QList<QShortcut *> shortcuts; // off while a conversion runs
 };

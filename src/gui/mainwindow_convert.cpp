@@ -13,6 +13,35 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
+#include <QShortcut>
+
+namespace
+{
+
+/// While it lives, no shortcut works.
+class NoShortcuts
+{
+public:
+    explicit NoShortcuts(const QList<QShortcut *> &shortcuts)
+    {
+        for (QShortcut *shortcut : shortcuts) {
+            if (shortcut->isEnabled()) // else a conversion runs already, and ends later
+                m_disabled.append(shortcut);
+            shortcut->setEnabled(false);
+        }
+    }
+    ~NoShortcuts()
+    {
+        for (QShortcut *shortcut : qAsConst(m_disabled))
+            shortcut->setEnabled(true);
+    }
+    Q_DISABLE_COPY(NoShortcuts)
+
+private:
+    QList<QShortcut *> m_disabled;
+};
+
+} // namespace
 
 MapParameters MainWindow::mapParameters() const
 {
@@ -44,6 +73,7 @@ const char *MainWindow::getFormatChar() const
 QImage MainWindow::convertPhotograph(const MapParameters &parameters, AzimuthStep azimuthStep)
 {
     const QImage photograph = image;
+    const NoShortcuts busy(shortcuts);
     const OutputRatio ratio =
         outputRatio(photograph.size(), {parameters.outputSizeX, parameters.outputSizeY});
     ratioX = ratio.x;
