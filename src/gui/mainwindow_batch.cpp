@@ -4,6 +4,7 @@
 
 #include "batchconvertdialog.h"
 #include "batchplan.h"
+#include "busycursor.h"
 #include "mapfile.h"
 #include "photographfile.h"
 #include "status.h"
@@ -13,6 +14,8 @@
 #include <QDebug>
 #include <QFileInfo>
 #include <QMessageBox>
+
+#include <optional>
 
 /// What a run works with from its start to its end.
 struct MainWindow::BatchRun {
@@ -152,7 +155,12 @@ bool MainWindow::saveMapOfFile(const BatchRun &run, int position)
     const QString path =
         outputPath(run.outputFolder, run.inputs.at(position), run.nameType, position, run.format);
     const bool refused = !run.overwrite && QFileInfo::exists(path);
-    return !refused && saveMap(map, path, run.format, run.quality);
+    if (refused)
+        return false;
+    std::optional<BusyCursor> busy;
+    if (unattended == 0)
+        busy.emplace();
+    return saveMap(map, path, run.format, run.quality);
 }
 
 void MainWindow::reportBatch(const BatchCount &count)

@@ -2,6 +2,7 @@
 
 #include "mainwindow.h"
 
+#include "busycursor.h"
 #include "inifile.h"
 #include "mapfile.h"
 #include "parameterfile.h"
@@ -135,7 +136,10 @@ void MainWindow::on_btnConvert_clicked()
     }
 
     const QImage map = convertImage();
-    saveMap(map, path, getFormatChar(), quality);
+    {
+        const BusyCursor busy;
+        saveMap(map, path, getFormatChar(), quality);
+    }
     confirmSaved(ui->btnConvert->text(), path);
 }
 
