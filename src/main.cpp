@@ -56,8 +56,10 @@ int main(int argc, char *argv[])
     const QString base = program.absolutePath() + '/' + program.baseName();
     window.settingFile = base + ".ini";
     window.langFile = base + "_lang.ini";
-    if (!unattended) // a batch shows nothing
+    if (!unattended) { // a batch shows nothing
+        setWindowIcons();
         translateToolkit(window.langFile);
+    }
     window.readShowString();
 
     if (!unattended)

@@ -79,6 +79,7 @@ class tst_DesktopWalk : public QObject
 private slots:
     void init();
     void cleanup();
+    void windowsHaveTheProgramsIcon();
     void fromPhotographToMap();
     void markedDiscComesBack();
     void heldButtonsRepeat();
@@ -145,6 +146,19 @@ QVector<int> tst_DesktopWalk::shownCircle()
 bool tst_DesktopWalk::atMainWindow()
 {
     return !m_desktop->window(mainTitle).isEmpty();
+}
+
+void tst_DesktopWalk::windowsHaveTheProgramsIcon()
+{
+    m_desktop->start();
+    const QString window = m_desktop->window(mainTitle);
+    QVERIFY(!window.isEmpty());
+    QProcess xprop;
+    xprop.start("xprop", {"-id", window, "-notype", "_NET_WM_ICON"});
+    QVERIFY(xprop.waitForFinished());
+    const QByteArray icons = xprop.readAllStandardOutput();
+    for (const char *size : {"16 x 16", "32 x 32", "48 x 48", "128 x 128"})
+        QVERIFY2(icons.contains(QByteArray("Icon (") + size + ')'), size);
 }
 
 // Open through the dialog, convert, decline the overwrite, accept it, and find the map on the disk.
