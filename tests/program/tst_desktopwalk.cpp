@@ -7,8 +7,10 @@
 #include "testwindow.h"
 
 #include <QBuffer>
+#include <QDir>
 #include <QFileInfo>
 #include <QTemporaryDir>
+#include <QUrl>
 
 namespace
 {
@@ -80,6 +82,8 @@ private slots:
     void init();
     void cleanup();
     void windowsHaveTheProgramsIcon();
+    void helpOpensTheManual_data();
+    void helpOpensTheManual();
     void fromPhotographToMap();
     void markedDiscComesBack();
     void heldButtonsRepeat();
@@ -159,6 +163,38 @@ void tst_DesktopWalk::windowsHaveTheProgramsIcon()
     const QByteArray icons = xprop.readAllStandardOutput();
     for (const char *size : {"16 x 16", "32 x 32", "48 x 48", "128 x 128"})
         QVERIFY2(icons.contains(QByteArray("Icon (") + size + ')'), size);
+}
+
+void tst_DesktopWalk::helpOpensTheManual_data()
+{
+    QTest::addColumn<bool>("languageFile");
+    QTest::addColumn<QString>("manual");
+    QTest::newRow("built-in texts") << false << "docs/manual.ja.md";
+    QTest::newRow("language file") << true << "docs/manual.md";
+}
+
+// The program asks the desktop to open it. What does that on a desktop only notes the path here.
+void tst_DesktopWalk::helpOpensTheManual()
+{
+    QFETCH(bool, languageFile);
+    QFETCH(QString, manual);
+    const ProgramFolder &folder = m_desktop->folder();
+    QVERIFY(QDir(folder.filePath(".")).mkdir("docs"));
+    for (const char *document : {"docs/manual.md", "docs/manual.ja.md"})
+        folder.write(document, "a manual");
+    if (languageFile)
+        folder.write("ovmic_lang.ini", "[main]\n");
+    folder.write("xdg-open", "#!/bin/sh\nprintf %s \"$1\" >opened.part && mv opened.part opened\n");
+    QVERIFY(QFile::setPermissions(folder.filePath("xdg-open"), QFile::ReadOwner | QFile::ExeOwner));
+    const QByteArray path = qgetenv("PATH");
+    qputenv("PATH", folder.filePath(".").toUtf8() + ':' + path);
+    m_desktop->start();
+    qputenv("PATH", path);
+
+    QVERIFY(!m_desktop->window(mainTitle).isEmpty());
+    m_desktop->keys({"F1"});
+    QTRY_VERIFY(QFile::exists(folder.filePath("opened")));
+    QCOMPARE(QUrl(QString::fromUtf8(folder.read("opened"))).toLocalFile(), folder.filePath(manual));
 }
 
 // Open through the dialog, convert, decline the overwrite, accept it, and find the map on the disk.
