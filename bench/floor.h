@@ -4,7 +4,6 @@
 
 #include <QImage>
 
-#include <cstdint>
 #include <cstdlib>
 #include <vector>
 
@@ -20,8 +19,7 @@ inline QImage zeroedCanvas(QSize size)
 inline QImage zeroedCanvasOnLargePages(QSize size)
 {
     QImage canvas = zeroedCanvas(size);
-    const auto begin = reinterpret_cast<std::uintptr_t>(canvas.constBits());
-    preferLargePages(begin, begin + std::uintptr_t(canvas.sizeInBytes()));
+    preferLargePages(canvas.bits(), size_t(canvas.sizeInBytes()));
     return canvas;
 }
 

@@ -21,18 +21,22 @@ constexpr std::size_t leastBytes = std::size_t(32) << 20;
 
 #ifdef __linux__
 
-constexpr std::uintptr_t pageBytes = 4096; // no harm where pages are larger
+constexpr std::size_t pageBytes = 4096; // no harm where pages are larger
 
-/// Gets pages as their first writes would. @param begin, end  at their edges
-void fetchPages(std::uintptr_t begin, std::uintptr_t end)
+/// How far behind the edge of its page something lies.
+std::size_t offsetInPage(const void *address)
 {
-    if (begin < end)
-        madvise(reinterpret_cast<void *>(begin), end - begin, MADV_POPULATE_WRITE);
+    return reinterpret_cast<std::uintptr_t>(address) % pageBytes;
 }
 
-std::uintptr_t addressOf(const uint32_t *pixel)
+/// Gets the pages that hold these bytes, as their first writes would.
+void fetchPages(char *begin, const char *end)
 {
-    return reinterpret_cast<std::uintptr_t>(pixel);
+    if (begin == end)
+        return;
+    char *const firstPage = begin - offsetInPage(begin);
+    const std::size_t pages = (std::size_t(end - firstPage) + pageBytes - 1) / pageBytes;
+    madvise(firstPage, pages * pageBytes, MADV_POPULATE_WRITE);
 }
 
 #endif
@@ -50,22 +54,23 @@ void CanvasPages::mapBegins(const projection::PixelRanges &pixels) const
     if (!m_isLarge)
         return;
     for (const projection::PixelRange &range : pixels)
-        preferLargePages(addressOf(range.begin), addressOf(range.end));
+        preferLargePages(range.begin, std::size_t(range.end - range.begin) * sizeof(uint32_t));
 }
 
 void CanvasPages::bandBegins(const projection::PixelRanges &pixels) const
 {
     if (!m_isLarge)
         return;
-    std::uintptr_t begin = 0;
-    std::uintptr_t end = 0;
+    // Ranges between which no page is left out go together.
+    char *begin = nullptr;
+    char *end = nullptr;
     for (const projection::PixelRange &range : pixels) {
-        const std::uintptr_t firstPage = addressOf(range.begin) / pageBytes * pageBytes;
-        if (firstPage > end) {
+        auto *const first = reinterpret_cast<char *>(range.begin);
+        if (first - offsetInPage(first) > end) {
             fetchPages(begin, end);
-            begin = firstPage;
+            begin = first;
         }
-        end = (addressOf(range.end) + pageBytes - 1) / pageBytes * pageBytes;
+        end = reinterpret_cast<char *>(range.end);
     }
     fetchPages(begin, end);
 }

@@ -4,18 +4,18 @@
 
 #include <sys/mman.h>
 
-void preferLargePages(std::uintptr_t begin, std::uintptr_t end)
+#include <memory>
+
+void preferLargePages(void *memory, std::size_t bytes)
 {
-    constexpr std::uintptr_t largePageBytes = std::uintptr_t(2) << 20;
-    const std::uintptr_t first = (begin + largePageBytes - 1) / largePageBytes * largePageBytes;
-    const std::uintptr_t last = end / largePageBytes * largePageBytes;
-    if (first < last)
-        madvise(reinterpret_cast<void *>(first), last - first, MADV_HUGEPAGE);
+    constexpr std::size_t largePageBytes = std::size_t(2) << 20;
+    if (std::align(largePageBytes, largePageBytes, memory, bytes))
+        madvise(memory, bytes / largePageBytes * largePageBytes, MADV_HUGEPAGE);
 }
 
 #else
 
-void preferLargePages(std::uintptr_t, std::uintptr_t)
+void preferLargePages(void *, std::size_t)
 {
 }
 

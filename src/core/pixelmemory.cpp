@@ -13,8 +13,7 @@ struct PixelMemory::Block {
     {
         if (!pixels)
             throw std::bad_alloc();
-        const auto begin = reinterpret_cast<std::uintptr_t>(pixels);
-        preferLargePages(begin, begin + bytes);
+        preferLargePages(pixels, bytes);
     }
     ~Block() { std::free(pixels); }
     Block(const Block &) = delete;
