@@ -14,6 +14,9 @@ public:
     /// @param bytes  of the whole canvas; a small one lies in memory that the process has already
     explicit CanvasPages(std::size_t bytes);
 
+    /// Whether there is anything to gain.
+    bool isLarge() const { return m_isLarge; }
+
     /// Before the first pixel is painted. @param pixels  all that will be
     void mapBegins(const projection::PixelRanges &pixels) const;
     /// Before each band. @param pixels  its pixels

@@ -5,6 +5,7 @@
 #include "convertimage.h"
 #include "integers.h"
 #include "qimageview.h"
+#include "vectorstate.h"
 
 #include <cstdlib>
 #include <limits>
@@ -100,9 +101,12 @@ std::optional<QImage> composedMap(const QImage &photograph, const MapParameters 
     };
     const projection::NearSidedPerspective perspective(perspectiveParameters(parameters, photograph.size()));
     const CanvasPages pages(size_t(map.sizeInBytes()));
-    const projection::PaintListener painting = {
-        tellRows, [&](const projection::PixelRanges &pixels) { pages.mapBegins(pixels); },
-        [&](const projection::PixelRanges &pixels) { pages.bandBegins(pixels); }};
+    projection::PaintListener painting;
+    painting.rowsDone = tellRows;
+    if (pages.isLarge()) {
+        painting.mapBegins = [&](const projection::PixelRanges &pixels) { pages.mapBegins(pixels); };
+        painting.bandBegins = [&](const projection::PixelRanges &pixels) { pages.bandBegins(pixels); };
+    }
     if (!paintComposedMap(perspective, photographView(photograph), *rotation, canvasView(map), painting))
         return {};
     if (listener.samplesCounted)
@@ -159,6 +163,7 @@ QImage convertToMap(const QImage &photograph, MapParameters parameters, AzimuthS
     const QImage source = argbPhotograph(photograph);
     if (source.isNull())
         return {};
+    projection::clearUpperHalves();
     if (parameters.azimuth == 0.0 || azimuthStep == AzimuthStep::Rotates) {
         if (const std::optional<QImage> map = composedMap(source, parameters, listener))
             return *map;

@@ -142,9 +142,9 @@ bool paintComposedMap(const NearSidedPerspective &perspective, const ConstImageV
             TiledRemap remap(source, mapRotation.longitudeShift, canvas, approximate);
             if (listener.mapBegins)
                 listener.mapBegins(remap.painted(0, height));
-            const auto bandBegins = [&](const PixelRanges &pixels) {
+            const auto bandBegins = [&](int top, int bottom) {
                 if (listener.bandBegins)
-                    listener.bandBegins(pixels);
+                    listener.bandBegins(remap.painted(top, bottom));
             };
             const auto rowsDone = [&](int done) {
                 if (listener.rowsDone)

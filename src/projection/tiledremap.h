@@ -67,14 +67,14 @@ public:
     }
 
     /// Paints from the top downwards in bands, each tile by tile: neighbouring rows read neighbouring pixels.
-    /// @param willPaint  told before each band which pixels of the canvas it paints
-    /// @param rowsDone   told after each band how many rows of the map are finished
-    template <typename WillPaint, typename RowsDone>
-    void paint(WillPaint willPaint, RowsDone rowsDone)
+    /// @param bandBegins  told before each band its first row, and the one behind its last
+    /// @param rowsDone    told after each band how many rows of the map are finished
+    template <typename BandBegins, typename RowsDone>
+    void paint(BandBegins bandBegins, RowsDone rowsDone)
     {
         for (int top = 0; top < m_rotation.height(); top += bandRows) {
             const int bottom = std::min(top + bandRows, m_rotation.height());
-            willPaint(painted(top, bottom));
+            bandBegins(top, bottom);
             paintBand(top, bottom);
             rowsDone(bottom);
         }
@@ -82,7 +82,7 @@ public:
     template <typename RowsDone>
     void paint(RowsDone rowsDone)
     {
-        paint([](const PixelRanges &) {}, rowsDone);
+        paint([](int, int) {}, rowsDone);
     }
 
     /// The pixels of the canvas that are painted in rows from `top` to before `bottom`.

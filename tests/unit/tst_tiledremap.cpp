@@ -244,8 +244,9 @@ void tst_TiledRemap::paintedPixelsAreToldBefore()
                 source.shown = {int(count * (1.0 - share) / 2.0), int(count * (1.0 + share) / 2.0)};
                 Canvas canvas(size);
                 QVector<uint32_t *> announced;
-                const auto willPaint = [&](const PixelRanges &ranges) {
-                    for (const PixelRange &range : ranges) {
+                TiledRemap remap(source, shift, canvas.view(), &allUncertain);
+                const auto bandBegins = [&](int top, int bottom) {
+                    for (const PixelRange &range : remap.painted(top, bottom)) {
                         QVERIFY(range.begin < range.end);
                         QVERIFY(announced.isEmpty() || announced.last() < range.begin);
                         for (uint32_t *pixel = range.begin; pixel != range.end; ++pixel) {
@@ -254,8 +255,7 @@ void tst_TiledRemap::paintedPixelsAreToldBefore()
                         }
                     }
                 };
-                TiledRemap remap(source, shift, canvas.view(), &allUncertain);
-                remap.paint(willPaint, [](int) {});
+                remap.paint(bandBegins, [](int) {});
                 int painted = 0;
                 for (int y = 0; y < size.height(); ++y)
                     for (int x = 0; x < size.width(); ++x)
