@@ -38,6 +38,16 @@ QStringList caught(const QString &pattern, const QByteArray &text)
     return all;
 }
 
+/// The anchors that pages on the web give the headings of a text.
+QStringList anchorsOf(const QByteArray &text)
+{
+    const QRegularExpression punctuation(R"([^\w\s-])", QRegularExpression::UseUnicodePropertiesOption);
+    QStringList anchors;
+    for (const QString &heading : caught("^#+ (.+)$", text))
+        anchors.append(heading.toLower().remove(punctuation).replace(' ', '-'));
+    return anchors;
+}
+
 /// A user at home, with two photographs in a folder and settings for small maps, and the starter in the path.
 class User
 {
@@ -145,11 +155,16 @@ void tst_Installation::linksOfTheDocumentsResolve()
     QDirIterator pages(folder, {"*.md"}, QDir::Files, QDirIterator::Subdirectories);
     while (pages.hasNext()) {
         const QString page = pages.next();
-        for (const QString &link : caught(R"(\]\(([^)#]+)(?:#[^)]*)?\))", contentsOf(page))) {
+        for (const QString &link : caught(R"(\]\(([^)]+)\))", contentsOf(page))) {
             if (link.contains("://"))
                 continue;
             ++links;
-            QVERIFY2(QFile::exists(QFileInfo(page).path() + '/' + link), qPrintable(page + ": " + link));
+            const QString name = link.section('#', 0, 0);
+            const QString target = name.isEmpty() ? page : QFileInfo(page).path() + '/' + name;
+            QVERIFY2(QFile::exists(target), qPrintable(page + ": " + link));
+            const QString anchor = link.section('#', 1);
+            QVERIFY2(anchor.isEmpty() || anchorsOf(contentsOf(target)).contains(anchor),
+                     qPrintable(page + ": " + link));
         }
     }
     QVERIFY(links > 20);
