@@ -14,13 +14,15 @@ constexpr bool addressSpaceCanBeLimited = false;
 constexpr bool addressSpaceCanBeLimited = true;
 #endif
 
-/// While it lives, the process gets no more than so many further bytes. For Linux.
+/// While it lives, the process gets no more than so many further bytes, if that can be. For Linux.
 class MemoryLimit
 {
 public:
     explicit MemoryLimit(rlim_t bytes)
     {
         getrlimit(RLIMIT_AS, &m_before);
+        if (!addressSpaceCanBeLimited)
+            return;
         QFile statm(QStringLiteral("/proc/self/statm"));
         if (!statm.open(QIODevice::ReadOnly))
             qFatal("The size of the process is unknown");

@@ -197,8 +197,6 @@ void tst_MapFile::fullSmallDiskLeavesOldMap()
 // A PNG of quality 100 is stored without compression; the encoder asks for more memory while it writes.
 void tst_MapFile::littleMemoryLeavesOldMap()
 {
-    if (!addressSpaceCanBeLimited)
-        QSKIP("the sanitizer itself needs the memory");
     QImage image(8192, 8192, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     int refused = 0;
@@ -212,8 +210,10 @@ void tst_MapFile::littleMemoryLeavesOldMap()
         QCOMPARE(contentsOf(in("map")) == "old map", answer == Answer::No);
         QCOMPARE(namesIn(m_folder->path()), QStringList{"map"});
         refused += answer == Answer::No ? 1 : 0;
+        if (!addressSpaceCanBeLimited)
+            break; // it is the same for all of them
     }
-    QVERIFY(refused > 0);
+    QCOMPARE(refused > 0, addressSpaceCanBeLimited);
 }
 
 void tst_MapFile::missingFolderAndFolderAsTarget()

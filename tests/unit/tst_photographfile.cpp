@@ -295,14 +295,18 @@ void tst_PhotographFile::tooLargeAPictureIsNotTried_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QSize>("size");
-    QTest::newRow("JPEG") << jpegOfSize(65500, 65500) << QSize(65500, 65500);
-    QTest::newRow("PNG") << pngOfSize(200000, 100000) << QSize(200000, 100000);
+    const auto row = [](const char *name, const QByteArray &bytes, QSize size) {
+        if (qint64(size.width()) * size.height() * 4 >
+            largestPhotographBytes()) // or a machine has room for it
+            QTest::newRow(name) << bytes << size;
+    };
     const auto side = static_cast<int>(std::sqrt(double(largestPhotographBytes()) / 4)) + 1;
-    QTest::newRow("just beyond") << pngOfSize(side, side) << QSize(side, side);
+    row("just beyond", pngOfSize(side, side), {side, side});
+    row("PNG", pngOfSize(200000, 100000), {200000, 100000});
+    row("JPEG", jpegOfSize(65500, 65500), {65500, 65500});
     if (QImageReader::supportedImageFormats().contains("svg"))
-        QTest::newRow("SVG") << QByteArray("<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"65500\" "
-                                           "height=\"65500\"/>")
-                             << QSize(65500, 65500);
+        row("SVG", R"(<svg xmlns="http://www.w3.org/2000/svg" width="65500" height="65500"/>)",
+            {65500, 65500});
 }
 
 void tst_PhotographFile::tooLargeAPictureIsNotTried()
@@ -310,8 +314,6 @@ void tst_PhotographFile::tooLargeAPictureIsNotTried()
     QFETCH(QByteArray, bytes);
     QFETCH(QSize, size);
     QVERIFY(largestPhotographBytes() >= 1 << 30);
-    if (largestPhotographBytes() > 16LL << 30)
-        QSKIP("so much memory takes all of these pictures");
     writeFile(in("large"), bytes);
     const QString reason = loadPhotograph(in("large")).reason;
     const QString expected = QStringLiteral("cannot be read: %1 x %2 pixels need more memory than the ");
@@ -320,14 +322,12 @@ void tst_PhotographFile::tooLargeAPictureIsNotTried()
 
 void tst_PhotographFile::textsBeyondTheMemoryAreAReason()
 {
-    if (!addressSpaceCanBeLimited)
-        QSKIP("the sanitizer itself needs the memory");
-    writeFile(in("texts.png"), pngWithTexts(136));
+    writeFile(in("texts.png"), pngWithTexts(addressSpaceCanBeLimited ? 136 : 10));
     const auto load = [&] {
         const MemoryLimit limit(200 * mebibyte);
         return loadPhotograph(in("texts.png")).reason == "cannot be read: Not enough memory";
     };
-    QCOMPARE(inChild(load), Answer::Yes);
+    QCOMPARE(inChild(load), addressSpaceCanBeLimited ? Answer::Yes : Answer::No);
 }
 
 QTEST_GUILESS_MAIN(tst_PhotographFile)

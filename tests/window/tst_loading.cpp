@@ -381,12 +381,11 @@ void tst_Loading::whatWouldTakeForEverIsRefused()
 
 void tst_Loading::textsBeyondTheMemoryAreAFailedLoad()
 {
-    if (!addressSpaceCanBeLimited)
-        QSKIP("the sanitizer itself needs the memory");
     const QString path = m_window->filePath("texts.png");
-    writeFile(path, pngWithTexts(136));
+    writeFile(path, pngWithTexts(addressSpaceCanBeLimited ? 136 : 10));
     ModalDriver driver;
-    driver.expectMessage({"開く", path + " は開けませんでした", QMessageBox::Warning});
+    if (addressSpaceCanBeLimited)
+        driver.expectMessage({"開く", path + " は開けませんでした", QMessageBox::Warning});
     {
         const MemoryLimit limit(200 * mebibyte);
         load(path);
@@ -397,8 +396,6 @@ void tst_Loading::textsBeyondTheMemoryAreAFailedLoad()
 // There is memory for the photograph, with one byte a pixel, but none for the picture on the screen, with four.
 void tst_Loading::pictureBeyondTheMemoryIsAFailedLoad()
 {
-    if (!addressSpaceCanBeLimited)
-        QSKIP("the sanitizer itself needs the memory");
     load(picture("good.png"));
     const SelectionCircle circle{m_window->centerX, m_window->centerY, m_window->radius};
     QImage large(10000, 10000, QImage::Format_Grayscale8);
@@ -406,22 +403,24 @@ void tst_Loading::pictureBeyondTheMemoryIsAFailedLoad()
     const QString path = m_window->filePath("large.bmp");
     QVERIFY(large.save(path));
     large = QImage();
-    ModalDriver driver;
-    driver.expectMessage({"開く", path + " は開けませんでした", QMessageBox::Warning});
-    {
-        const MemoryLimit limit(250 * mebibyte);
-        QVERIFY(!QImage(path).isNull());
-        load(path);
+    if (addressSpaceCanBeLimited) {
+        ModalDriver driver;
+        driver.expectMessage({"開く", path + " は開けませんでした", QMessageBox::Warning});
+        {
+            const MemoryLimit limit(250 * mebibyte);
+            QVERIFY(!QImage(path).isNull());
+            load(path);
+        }
+        QVERIFY(driver.done());
+        QVERIFY(m_window->image.isNull());
+        QCOMPARE(m_window->loadFileName, QString());
+        QVERIFY(!m_window->selectShow);
+        QVERIFY(m_window->ui->label->pixmap(Qt::ReturnByValue).isNull());
+        QCOMPARE(m_window->centerX, circle.centerX);
+        QCOMPARE(m_window->radius, circle.radius);
+        QCOMPARE(m_window->imageWidth, 100);
+        QCOMPARE(m_window->ui->lineSaveFilename->text(), QString("OV-good.jpg"));
     }
-    QVERIFY(driver.done());
-    QVERIFY(m_window->image.isNull());
-    QCOMPARE(m_window->loadFileName, QString());
-    QVERIFY(!m_window->selectShow);
-    QVERIFY(m_window->ui->label->pixmap(Qt::ReturnByValue).isNull());
-    QCOMPARE(m_window->centerX, circle.centerX);
-    QCOMPARE(m_window->radius, circle.radius);
-    QCOMPARE(m_window->imageWidth, 100);
-    QCOMPARE(m_window->ui->lineSaveFilename->text(), QString("OV-good.jpg"));
     load(path); // now there is enough
     QCOMPARE(m_window->ui->label->pixmap(Qt::ReturnByValue).size(), QSize(10000, 10000));
 }
