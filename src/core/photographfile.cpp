@@ -38,6 +38,7 @@ struct Header {
         QImageReader reader(path);
         size = reader.size();
         isJpeg = reader.format() == "jpeg";
+        isBitmap = reader.format() == "bmp";
         if (isJpeg)
             pixelFormat = reader.imageFormat();
     }
@@ -45,6 +46,7 @@ struct Header {
     QSize size;
     QImage::Format pixelFormat = QImage::Format_Invalid; ///< of a JPEG
     bool isJpeg = false;
+    bool isBitmap = false; ///< of Windows
 };
 
 /// Why a picture is too large; empty if it is not.
@@ -71,7 +73,17 @@ QImage decoded(QFile &file, QImageReader &reader, const Header &header, PixelMem
     memory.clear();
     file.seek(0);
     reader.setDevice(&file);
-    return reader.read();
+    QImage image = reader.read();
+    // The decoder leaves the pixels unset that such a file ends before, and finds nothing wrong with it: they show
+    // what lay in the memory. The second time it writes over black ones.
+    if (header.isBitmap && !image.isNull()) {
+        image.fill(0);
+        file.seek(0);
+        reader.setDevice(&file);
+        if (!reader.read(&image))
+            return {};
+    }
+    return image;
 }
 
 LoadedPhotograph read(const QString &path, PixelMemory &memory)

@@ -29,6 +29,8 @@ private slots:
     void loadsDamagedFilesAsThePictureClassDoes();
     void memoryOfAnotherPhotographChangesNothing();
     void memoryCarriesNoTexts();
+    void missingPixelsOfABitmapAreBlack_data();
+    void missingPixelsOfABitmapAreBlack();
     void saysWhyNot_data();
     void saysWhyNot();
     void neverWaitsForAPipe();
@@ -232,6 +234,36 @@ void tst_PhotographFile::memoryCarriesNoTexts()
         QCOMPARE(image.colorSpace(), expected.colorSpace());
     }
     QVERIFY(!QImage(in("texts@2x.jpg")).textKeys().isEmpty());
+}
+
+void tst_PhotographFile::missingPixelsOfABitmapAreBlack_data()
+{
+    QTest::addColumn<QImage::Format>("format");
+    QTest::newRow("true colours") << QImage::Format_RGB32;
+    QTest::newRow("two colours") << QImage::Format_Mono;
+}
+
+// Such a file "loads"; what it does not say must not be what lay in the memory before.
+void tst_PhotographFile::missingPixelsOfABitmapAreBlack()
+{
+    QFETCH(QImage::Format, format);
+    QImage photograph(16, 16, format);
+    photograph.fill(Qt::white);
+    QVERIFY(photograph.save(in("whole.bmp")));
+    QCOMPARE(loadPhotograph(in("whole.bmp")).image, photograph);
+    const QByteArray whole = contentsOf(in("whole.bmp"));
+    constexpr int lastLine = 4; // bytes, of the two colours; the file begins with the lowest line
+    writeFile(in("cut.bmp"), whole.left(whole.size() - lastLine));
+    for (int i = 0; i < 50; ++i) {
+        { // memory that was used for something else
+            QVector<QImage> earlier(20, QImage(16, 16, format));
+            for (QImage &image : earlier)
+                image.fill(Qt::white);
+        }
+        const LoadedPhotograph cut = loadPhotograph(in("cut.bmp"));
+        QVERIFY2(!cut.image.isNull(), qPrintable(cut.reason));
+        QCOMPARE(cut.image.pixel(15, 0) & RGB_MASK, 0U);
+    }
 }
 
 void tst_PhotographFile::saysWhyNot_data()
