@@ -32,6 +32,13 @@ struct Line {
     QByteArray closing; // what has to come next, so that the line after it is one of its own
 };
 
+/// @param at  an escaped line end. @return whether an entry ends behind it that a line feed would go on with
+bool endsWithHalf(const QByteArray &text, int at)
+{
+    const int next = at + 1;
+    return next == text.size() || (text[at] == '\r' && (isLineEnd(text[next]) || text[next] == ';'));
+}
+
 /// @param from  where the entry before it ended
 Line lineAt(const QByteArray &text, int from)
 {
@@ -60,8 +67,8 @@ Line lineAt(const QByteArray &text, int from)
             const bool lineEnd = at < text.size() && isLineEnd(text[at]);
             if (lineEnd && at + 1 < text.size() && isLineEnd(text[at + 1]) && text[at] != text[at + 1])
                 ++at;
-            else if (at >= text.size() || (lineEnd && at + 1 == text.size() && !inQuotes))
-                line.closing = "\n"; // the file ends in the middle of this
+            else if (at >= text.size() || (lineEnd && !inQuotes && endsWithHalf(text, at)))
+                line.closing = "\n"; // otherwise the line end that comes next would belong to this
         } else if (!inQuotes && (isLineEnd(c) || c == ';')) {
             break;
         }

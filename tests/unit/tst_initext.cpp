@@ -144,6 +144,7 @@ void tst_IniText::changesNothingElse_data()
     row("before the first key", "Z=2\n", "Key=1\nZ=2\n");
     row("behind a byte order mark", "\xef\xbb\xbf[other]\nA=@Variant(\\0)\n",
         "\xef\xbb\xbf[General]\nKey=1\n\n[other]\nA=@Variant(\\0)\n");
+    row("behind an escaped half of a line end", "A\\\r\rZ=1\n", "A\\\r\n\nKey=1\rZ=1\n");
     row("no line end at the end", "[General]\nA=1", "[General]\nA=1\nKey=1\n");
 }
 
