@@ -210,6 +210,8 @@ public:
 private:
     void appendUnit(QChar unit)
     {
+        if (unit.isSurrogate()) // half of a pair: it leaves no trace, whatever comes before and next
+            return;
         static const char meanings[] = "\a\b\f\n\r\t\v\"\\";
         static const char codes[] = "abfnrtv\"\\";
         const ushort code = unit.unicode();
@@ -231,7 +233,7 @@ private:
             m_result += codes[special - meanings];
         } else if (code <= 0x1f || (code >= 0x7f && m_bytes)) {
             appendNumber(code);
-        } else if (!unit.isSurrogate()) {
+        } else {
             appendCharacters(unit);
         }
     }

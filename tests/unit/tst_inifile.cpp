@@ -216,9 +216,16 @@ void tst_IniFile::loneHalfOfACharacterDoesNotSpoilTheRest()
 {
     const QString high = QChar(0xd842);
     const QString low = QChar(0xdfb7);
-    QVERIFY(writeIniFile(ini(), {{"A", high + "x"}, {"B", low + "y"}, {"C", low + "z" + high}, {"D", "𠮷"}}));
+    const QString betweenNumberAndDigit = QChar(1) + low + '6';
+    QVERIFY(writeIniFile(ini(), {{"A", high + "x"},
+                                 {"B", low + "y"},
+                                 {"C", low + "z" + high},
+                                 {"D", "𠮷"},
+                                 {"E", betweenNumberAndDigit}}));
     QCOMPARE(read(ini(), "C").toString(), QStringLiteral("z"));
     QCOMPARE(read(ini(), "D").toString(), QStringLiteral("𠮷"));
+    QCOMPARE(read(ini(), "E").toString(), QStringLiteral("\x01"
+                                                         "6"));
 }
 
 void tst_IniFile::doubleSurvivesBitForBit()
