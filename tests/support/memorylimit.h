@@ -7,22 +7,27 @@
 
 constexpr rlim_t mebibyte = rlim_t{1024} * 1024;
 
-/// Whether that leaves an ordinary program running: a sanitizer ends it where it wants memory and gets none.
+/// Whether more than the maps may run short of memory: a sanitizer ends the program where itself wants some and gets
+/// none.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
 constexpr bool addressSpaceCanBeLimited = false;
 #else
 constexpr bool addressSpaceCanBeLimited = true;
 #endif
 
-/// While it lives, the process gets no more than so many further bytes, if that can be. For Linux.
+/// That many bytes, or so many that nothing runs short of them, where a sanitizer could not bear it.
+constexpr rlim_t unlessSanitized(rlim_t bytes)
+{
+    return addressSpaceCanBeLimited ? bytes : mebibyte * mebibyte;
+}
+
+/// While it lives, the process gets no more than so many further bytes. For Linux.
 class MemoryLimit
 {
 public:
     explicit MemoryLimit(rlim_t bytes)
     {
         getrlimit(RLIMIT_AS, &m_before);
-        if (!addressSpaceCanBeLimited)
-            return;
         QFile statm(QStringLiteral("/proc/self/statm"));
         if (!statm.open(QIODevice::ReadOnly))
             qFatal("The size of the process is unknown");

@@ -714,7 +714,7 @@ void tst_IniFile::littleMemoryIsEnoughOrLeavesTheFile()
 {
     const auto write = [this](rlim_t bytes) {
         return inChild([&] {
-            const MemoryLimit limit(bytes);
+            const MemoryLimit limit(unlessSanitized(bytes));
             return writeIniFile(ini(), {{"Radius", 7}});
         });
     };

@@ -387,7 +387,7 @@ void tst_Loading::textsBeyondTheMemoryAreAFailedLoad()
     if (addressSpaceCanBeLimited)
         driver.expectMessage({"開く", path + " は開けませんでした", QMessageBox::Warning});
     {
-        const MemoryLimit limit(200 * mebibyte);
+        const MemoryLimit limit(unlessSanitized(200 * mebibyte));
         load(path);
     }
     QVERIFY(driver.done());
