@@ -284,7 +284,7 @@ void tst_OvmicMapDisc::landmarksStayInADriftingSeries()
     const MapFolder folder;
     folder.makeFolder("in");
     const DiscSeries series(7);
-    constexpr int step = 6; // scripts/bench measures all frames
+    constexpr int step = 6; // bench_disc --series measures all frames
     for (int i = 0; i < DiscSeries::frameCount; i += step)
         QVERIFY(series.frame(i).image.save(folder.filePath(QStringLiteral("in/%1.png").arg(i))));
     COMPARE_RUN(folder.shell("ovmic-map --circle find -f png -o maps in/*.png", 120000), 0, "");
