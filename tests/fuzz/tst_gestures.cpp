@@ -46,7 +46,7 @@ void tst_Gestures::rulesHoldAfterEveryAction_data()
 {
     QTest::addColumn<unsigned>("seed");
     const unsigned first = numberFromEnvironment("OVMIC_GESTURE_SEED", 20110311);
-    const unsigned count = numberFromEnvironment("OVMIC_GESTURE_SEQUENCES", 2000);
+    const unsigned count = numberFromEnvironment("OVMIC_GESTURE_SEQUENCES", 500);
     for (unsigned i = 0; i < count; ++i)
         QTest::addRow("seed %u", first + i) << first + i;
 }

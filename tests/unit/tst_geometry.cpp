@@ -1,6 +1,7 @@
 #include "mapconversion.h"
 
 #include "messagecollector.h"
+#include "vectorstate.h"
 
 #include <QColor>
 #include <QSet>
@@ -94,6 +95,7 @@ QImage photographOf(const Shot &shot)
     // Powers of two: there are heights at which the topmost row of the map stays empty.
     QImage image(4096, 4096, QImage::Format_RGB32);
     image.fill(Qt::black);
+    projection::clearUpperHalves(); // millions of sines follow
     const Vector towardsCamera = direction(shot.below);
     const Vector camera = shot.distance * towardsCamera;
     const Vector north = direction({shot.below.latitude + 90, shot.below.longitude});
