@@ -31,7 +31,7 @@ struct Answer {
 };
 
 constexpr quint32 firstSeed = 3000000; // nobody tuned the finder to these
-constexpr int picturesOfAKind = 4;
+constexpr int picturesOfAKind = 8;
 constexpr int longestSide = 400;
 
 /// A small photograph of a disc, drawn and searched once.
@@ -59,6 +59,62 @@ QImage oneColour(int width, int height, QImage::Format format, uint pixel)
     return image;
 }
 
+/// An answer of the finder as it is now.
+struct KnownAnswer {
+    PictureKind kind;
+    int number; ///< of the picture of this kind
+    double centerX, centerY, radius, confidence;
+};
+
+constexpr KnownAnswer knownAnswers[] = {
+    {PictureKind::Whole, 0, 97.798, 164.797, 89.745, 0.985},
+    {PictureKind::Whole, 1, 129.753, 121.730, 119.455, 0.985},
+    {PictureKind::Whole, 2, 106.770, 82.889, 58.296, 0.846},
+    {PictureKind::Whole, 3, 130.865, 125.978, 109.086, 0.984},
+    {PictureKind::Whole, 4, 199.583, 161.575, 68.645, 0.986},
+    {PictureKind::Whole, 5, 210.390, 147.748, 23.938, 0.978},
+    {PictureKind::Whole, 6, 106.062, 190.266, 60.322, 0.989},
+    {PictureKind::Whole, 7, 183.286, 108.627, 85.742, 0.489},
+    {PictureKind::Marked, 0, 177.254, 149.139, 94.076, 0.991},
+    {PictureKind::Marked, 1, 183.746, 117.848, 111.433, 0.989},
+    {PictureKind::Marked, 2, 189.743, 173.531, 84.375, 0.978},
+    {PictureKind::Marked, 3, 151.145, 112.582, 100.128, 0.992},
+    {PictureKind::Marked, 4, 109.659, 174.158, 73.453, 0.987},
+    {PictureKind::Marked, 5, 131.626, 104.378, 88.836, 0.992},
+    {PictureKind::Marked, 6, 80.681, 145.968, 72.682, 0.982},
+    {PictureKind::Marked, 7, 157.174, 147.175, 124.787, 0.987},
+    {PictureKind::BrightSky, 0, 190.188, 129.917, 24.385, 0.683},
+    {PictureKind::BrightSky, 1, 148.978, 87.329, 75.883, 0.800},
+    {PictureKind::BrightSky, 3, 207.111, 136.205, 60.239, 0.987},
+    {PictureKind::BrightSky, 4, 95.991, 105.628, 68.820, 0.814},
+    {PictureKind::BrightSky, 5, 143.364, 98.675, 66.595, 0.156},
+    {PictureKind::BrightSky, 6, 130.494, 139.348, 70.389, 0.986},
+    {PictureKind::BrightSky, 7, 77.590, 94.727, 22.876, 0.957},
+    {PictureKind::Cut, 0, 38.824, 79.596, 41.659, 0.988},
+    {PictureKind::Cut, 1, 247.720, 104.506, 119.234, 0.909},
+    {PictureKind::Cut, 2, 143.410, 165.250, 144.431, 0.965},
+    {PictureKind::Cut, 3, 79.836, 48.788, 54.441, 0.987},
+    {PictureKind::Cut, 4, 226.233, 279.353, 112.209, 0.944},
+    {PictureKind::Cut, 5, 66.650, 134.802, 87.065, 0.891},
+    {PictureKind::Cut, 6, 161.220, 206.936, 138.257, 0.976},
+    {PictureKind::Cut, 7, 175.657, 185.580, 74.085, 0.940},
+    {PictureKind::Phase, 0, 130.650, 94.639, 88.457, 0.960},
+    {PictureKind::Phase, 1, 149.101, 140.819, 77.463, 0.789},
+    {PictureKind::Phase, 2, 162.676, 178.955, 116.151, 0.869},
+    {PictureKind::Phase, 3, 243.957, 104.442, 88.424, 0.853},
+    {PictureKind::Phase, 4, 39.662, 71.782, 28.248, 0.456},
+    {PictureKind::Phase, 5, 139.539, 203.804, 80.071, 0.824},
+    {PictureKind::Phase, 6, 166.864, 169.409, 133.583, 0.989},
+    {PictureKind::Phase, 7, 113.967, 120.983, 81.107, 0.990},
+    {PictureKind::Odd, 0, 239.719, 108.567, 88.490, 0.911},
+    {PictureKind::Odd, 1, 169.600, 157.700, 95.962, 0.993},
+    {PictureKind::Odd, 2, 112.336, 195.569, 81.121, 0.873},
+    {PictureKind::Odd, 3, 59.236, 113.073, 50.206, 0.988},
+    {PictureKind::Odd, 4, 108.184, 199.629, 65.151, 0.988},
+    {PictureKind::Odd, 5, 193.549, 90.054, 61.083, 0.815},
+    {PictureKind::Odd, 7, 144.169, 132.808, 93.758, 0.994},
+};
+
 bool areEqual(const std::optional<FoundDisc> &a, const std::optional<FoundDisc> &b)
 {
     if (!a || !b)
@@ -77,6 +133,7 @@ private slots:
     void findsDiscs_data();
     void findsDiscs();
     void findsNothingWhereNoDiscIs();
+    void answersStayTheSame();
     void keepsThePromiseOfTheConfidence();
     void findsTheSamples_data();
     void findsTheSamples();
@@ -134,14 +191,47 @@ void tst_DiscFinder::findsDiscs()
         else
             misses.append(QString("%1: error %2").arg(answer.picture.recipe).arg(answer.error()));
     }
-    // One of the few may be too hard; the bench measures the shares.
-    QVERIFY2(hits >= picturesOfAKind - 1, qPrintable(misses.join('\n')));
+    // One of four may be too hard; the bench measures the shares.
+    QVERIFY2(hits >= picturesOfAKind * 3 / 4, qPrintable(misses.join('\n')));
 }
 
 void tst_DiscFinder::findsNothingWhereNoDiscIs()
 {
     for (const Answer &answer : answers(PictureKind::NoDisc))
         QVERIFY2(!answer.found, qPrintable(answer.picture.recipe));
+}
+
+// Which maps come of a series, and which photographs are left out, hangs on the answers. One that changes is a decision:
+// the bench says whether it became better, and the failure prints the new line.
+void tst_DiscFinder::answersStayTheSame()
+{
+    QStringList changed;
+    auto known = std::begin(knownAnswers);
+    for (const PictureKind kind : everyPictureKind) {
+        for (int i = 0; i < picturesOfAKind; ++i) {
+            const std::optional<FoundDisc> &found = answers(kind).at(static_cast<size_t>(i)).found;
+            const bool isKnown = known != std::end(knownAnswers) && known->kind == kind && known->number == i;
+            const auto near = [](double a, double b) { return std::abs(a - b) < 0.002; };
+            const bool same = found && isKnown ? near(found->centerX, known->centerX) &&
+                                                     near(found->centerY, known->centerY) &&
+                                                     near(found->radius, known->radius) &&
+                                                     near(found->confidence, known->confidence)
+                                               : !found && !isKnown;
+            if (!same)
+                changed += found ? QString("%1, %2, %3, %4, %5, %6")
+                                       .arg(nameOf(kind))
+                                       .arg(i)
+                                       .arg(found->centerX, 0, 'f', 3)
+                                       .arg(found->centerY, 0, 'f', 3)
+                                       .arg(found->radius, 0, 'f', 3)
+                                       .arg(found->confidence, 0, 'f', 3)
+                                 : QString("%1 %2: nothing").arg(nameOf(kind)).arg(i);
+            known += isKnown;
+        }
+    }
+    for (const QString &answer : changed)
+        qWarning("%s", qPrintable(answer));
+    QVERIFY2(changed.isEmpty(), "other answers than before");
 }
 
 void tst_DiscFinder::keepsThePromiseOfTheConfidence()
