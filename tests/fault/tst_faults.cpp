@@ -4,6 +4,7 @@
 // OVMIC_FAULTS is the number of calls tried in each row, 0 for every one; without it, some.
 
 #include "files.h"
+#include "patience.h"
 
 #include <QDir>
 #include <QImage>
@@ -88,7 +89,7 @@ public:
     }
 
     /// @return whether it came to its end
-    bool wait() { return m_process.waitForFinished(60000); }
+    bool wait() { return m_process.waitForFinished(patienceMs); }
 
     QProcess &process() { return m_process; }
     int calls() const { return contentsOf(in("count")).toInt(); }

@@ -1,4 +1,5 @@
 #include "desktop.h"
+#include "patience.h"
 
 #include <QElapsedTimer>
 #include <QtTest>
@@ -8,12 +9,10 @@
 namespace
 {
 
-constexpr int limitMs = 30000;
-
 /// Waits for a condition, handling events meanwhile. @return whether it came true in time
 bool waitFor(const std::function<bool()> &condition)
 {
-    return QTest::qWaitFor(condition, limitMs);
+    return QTest::qWaitFor(condition, patienceMs);
 }
 
 } // namespace
@@ -21,7 +20,7 @@ bool waitFor(const std::function<bool()> &condition)
 Desktop::~Desktop()
 {
     m_process.kill();
-    m_process.waitForFinished();
+    m_process.waitForFinished(patienceMs);
 }
 
 void Desktop::start(const QStringList &arguments)
@@ -30,7 +29,7 @@ void Desktop::start(const QStringList &arguments)
     m_unfinished.clear();
     m_nextLine = 0;
     m_folder.start(m_process, arguments);
-    m_process.waitForStarted();
+    m_process.waitForStarted(patienceMs);
 }
 
 bool Desktop::isRunning() const
@@ -78,7 +77,7 @@ bool Desktop::answer(const QString &title, const QString &key)
         QElapsedTimer pressed;
         pressed.start();
         const auto isGone = [&] { return !isVisible(title); };
-        if (waitFor([&] { return isGone() || pressed.hasExpired(3000); }) && isGone())
+        if (waitFor([&] { return isGone() || pressed.hasExpired(10000); }) && isGone())
             return true;
     }
     return false;
@@ -165,6 +164,6 @@ QString Desktop::run(const QStringList &arguments)
 
     QProcess xdotool;
     xdotool.start("xdotool", arguments);
-    xdotool.waitForFinished();
+    xdotool.waitForFinished(patienceMs);
     return QString::fromUtf8(xdotool.readAllStandardOutput()).trimmed();
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "files.h"
+#include "patience.h"
 
 #include <QDir>
 #include <QFile>
@@ -85,12 +86,12 @@ public:
         process.setProcessEnvironment(m_environment);
         process.start(command, arguments);
     }
-    Result run(const QStringList &arguments, int timeoutMs = 60000) const
+    Result run(const QStringList &arguments, int timeoutMs = patienceMs) const
     {
         return ended(program(), arguments, timeoutMs);
     }
     /// Runs a script of bash, for which ovmic-map is in the path.
-    Result shell(const QString &script, int timeoutMs = 60000) const
+    Result shell(const QString &script, int timeoutMs = patienceMs) const
     {
         return ended("bash", {"-c", script}, timeoutMs);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "patience.h"
 #include <QByteArray>
 #include <QProcess>
 #include <QString>
@@ -30,7 +31,7 @@ public:
         int exitCode = -1;
         QByteArray standardError;
     };
-    Result run(const QStringList &arguments, int timeoutMs = 60000) const;
+    Result run(const QStringList &arguments, int timeoutMs = patienceMs) const;
 
 private:
     QTemporaryDir m_folder;

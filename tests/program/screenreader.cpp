@@ -1,4 +1,5 @@
 #include "screenreader.h"
+#include "patience.h"
 
 #include <QDBusArgument>
 #include <QDBusInterface>
@@ -71,7 +72,7 @@ ScreenReader::ScreenReader() : m_bus(QString())
     qputenv("XDG_RUNTIME_DIR", m_folder.path().toUtf8());
     qputenv("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
     m_sessionBus.start("dbus-daemon", {"--session", "--nofork", "--print-address=1"});
-    if (!m_sessionBus.waitForReadyRead())
+    if (!m_sessionBus.waitForReadyRead(patienceMs))
         return;
     const QByteArray address = m_sessionBus.readLine().trimmed();
     qputenv("DBUS_SESSION_BUS_ADDRESS", address);
@@ -87,7 +88,7 @@ ScreenReader::~ScreenReader()
     QDBusConnection::disconnectFromBus("accessibility");
     QDBusConnection::disconnectFromBus("session");
     m_sessionBus.terminate(); // the other bus and its registry end with it
-    m_sessionBus.waitForFinished();
+    m_sessionBus.waitForFinished(patienceMs);
 }
 
 void ScreenReader::collect(const QString &service, const QDBusObjectPath &path, QVector<Widget> &found) const

@@ -2,6 +2,7 @@
 
 #include "desktop.h"
 #include "imagecompare.h"
+#include "patience.h"
 #include "photographs.h"
 #include "referencemap.h"
 #include "testwindow.h"
@@ -159,7 +160,7 @@ void tst_DesktopWalk::windowsHaveTheProgramsIcon()
     QVERIFY(!window.isEmpty());
     QProcess xprop;
     xprop.start("xprop", {"-id", window, "-notype", "_NET_WM_ICON"});
-    QVERIFY(xprop.waitForFinished());
+    QVERIFY(xprop.waitForFinished(patienceMs));
     const QByteArray icons = xprop.readAllStandardOutput();
     for (const char *size : {"16 x 16", "32 x 32", "48 x 48", "128 x 128"})
         QVERIFY2(icons.contains(QByteArray("Icon (") + size + ')'), size);
@@ -193,7 +194,7 @@ void tst_DesktopWalk::helpOpensTheManual()
 
     QVERIFY(!m_desktop->window(mainTitle).isEmpty());
     m_desktop->keys({"F1"});
-    QTRY_VERIFY(QFile::exists(folder.filePath("opened")));
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(folder.filePath("opened")), patienceMs);
     QCOMPARE(QUrl(QString::fromUtf8(folder.read("opened"))).toLocalFile(), folder.filePath(manual));
 }
 

@@ -2,6 +2,7 @@
 // settings and a language of their own.
 
 #include "mapfolder.h"
+#include "patience.h"
 
 #include <QDirIterator>
 #include <QRegularExpression>
@@ -15,14 +16,14 @@ void install(const QString &prefix, const QStringList &more)
 {
     QProcess cmake;
     cmake.start(OVMIC_CMAKE, QStringList{"--install", OVMIC_BUILD, "--prefix", prefix} + more);
-    QVERIFY2(cmake.waitForFinished() && cmake.exitCode() == 0, cmake.readAllStandardError());
+    QVERIFY2(cmake.waitForFinished(patienceMs) && cmake.exitCode() == 0, cmake.readAllStandardError());
 }
 
 QStringList packagesOf(const QString &group)
 {
     QProcess bootstrap;
     bootstrap.start(source + "/scripts/bootstrap", {"--names", group});
-    return bootstrap.waitForFinished()
+    return bootstrap.waitForFinished(patienceMs)
                ? QString(bootstrap.readAllStandardOutput().simplified()).split(' ', Qt::SkipEmptyParts)
                : QStringList();
 }

@@ -1,6 +1,7 @@
 // Where ovmic-map writes, what it leaves alone, and names of every kind.
 
 #include "mapfolder.h"
+#include "patience.h"
 
 class tst_OvmicMapFiles : public QObject
 {
@@ -143,9 +144,9 @@ void tst_OvmicMapFiles::interruptedRunIsStartedAgain()
     const QStringList arguments = photographs + QStringList{"-c", "fit", "-o", "maps", "--skip-existing"};
     QProcess process;
     folder.start(process, MapFolder::program(), arguments);
-    QVERIFY(process.waitForReadyRead(30000));
+    QVERIFY(process.waitForReadyRead(patienceMs));
     process.kill();
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(patienceMs));
     const int before = QDir(folder.filePath("maps")).entryList({"*.jpg"}).size();
     QVERIFY(before > 0 && before < 60);
     const MapFolder::Result result = folder.run(arguments);

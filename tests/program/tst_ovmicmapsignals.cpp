@@ -1,6 +1,7 @@
 // How ovmic-map ends before its time, and what it shows on a terminal.
 
 #include "mapfolder.h"
+#include "patience.h"
 
 #include <csignal>
 
@@ -97,9 +98,9 @@ void tst_OvmicMapSignals::firstSignalFinishesWhatIsInWork()
     const QStringList photographs = folder.writePhotographs("in", 60);
     QProcess process;
     folder.start(process, MapFolder::program(), QStringList{"--jobs", "2"} + slowMaps + photographs);
-    QVERIFY(process.waitForReadyRead(60000));
+    QVERIFY(process.waitForReadyRead(patienceMs));
     QVERIFY(send(process, signal));
-    QVERIFY(process.waitForFinished(60000));
+    QVERIFY(process.waitForFinished(patienceMs));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 128 + signal);
     QCOMPARE(process.readAllStandardError(), QByteArray());
@@ -125,11 +126,11 @@ void tst_OvmicMapSignals::secondSignalEndsAtOnce()
     QProcess process;
     folder.start(process, MapFolder::program(),
                  {"-c", "fit", "a.png", "-s", "8192x8192", "-f", "png", "-o", "maps/"});
-    QTRY_VERIFY_WITH_TIMEOUT(secondsUsed(process) > 0.3, 60000); // starting takes a small part of that
+    QTRY_VERIFY_WITH_TIMEOUT(secondsUsed(process) > 0.3, patienceMs); // starting takes a small part of that
     QVERIFY(send(process, SIGTERM));
-    QTRY_VERIFY(hasTakenSignals(process));
+    QTRY_VERIFY_WITH_TIMEOUT(hasTakenSignals(process), patienceMs);
     QVERIFY(send(process, signal));
-    QVERIFY(process.waitForFinished(60000));
+    QVERIFY(process.waitForFinished(patienceMs));
     QCOMPARE(process.exitCode(), 128 + signal);
     QCOMPARE(process.readAllStandardOutput(), QByteArray());
     QCOMPARE(folder.namesIn("maps"), QStringList());
@@ -144,9 +145,9 @@ void tst_OvmicMapSignals::ignoredSignalStaysIgnored()
     folder.start(process, "bash",
                  QStringList{"-c", "trap '' INT; exec \"$@\"", "bash", MapFolder::program()} + slowMaps +
                      photographs);
-    QVERIFY(process.waitForReadyRead(60000));
+    QVERIFY(process.waitForReadyRead(patienceMs));
     QVERIFY(send(process, SIGINT));
-    QVERIFY(process.waitForFinished(60000));
+    QVERIFY(process.waitForFinished(patienceMs));
     QCOMPARE(process.exitCode(), 0);
     QCOMPARE(folder.namesIn("maps").size(), 6);
 }

@@ -1,6 +1,7 @@
 // scripts/run, in a project folder of its own whose program is built already.
 
 #include "files.h"
+#include "patience.h"
 #include "photographs.h"
 
 #include <QDir>
@@ -50,7 +51,7 @@ private slots:
         QProcess run;
         run.setProcessEnvironment(environment);
         run.start(project.filePath("scripts/run"), {"/batch", photograph, photograph});
-        QVERIFY(run.waitForFinished(60000));
+        QVERIFY(run.waitForFinished(patienceMs));
         QCOMPARE(run.exitCode(), 0);
         QVERIFY(QFile::exists(project.filePath("photo.jpg")));
         QCOMPARE(run.readAllStandardError().contains("batchConvert"), shown);

@@ -2,6 +2,7 @@
 
 #include "desktop.h"
 #include "files.h"
+#include "patience.h"
 #include "photographs.h"
 #include "screenreader.h"
 
@@ -27,7 +28,7 @@ private slots:
     {
         m_desktop.reset();
         qputenv("LC_ALL", m_locale);
-        QTRY_VERIFY(m_reader->names("application").isEmpty());
+        QTRY_VERIFY_WITH_TIMEOUT(m_reader->names("application").isEmpty(), patienceMs);
     }
 
     void cleanupTestCase() { m_reader.reset(); }
@@ -57,7 +58,7 @@ private slots:
         QFETCH(QStringList, fields);
         QFETCH(QStringList, buttons);
         start(language);
-        QTRY_COMPARE(m_reader->names("text"), fields);
+        QTRY_COMPARE_WITH_TIMEOUT(m_reader->names("text"), fields, patienceMs);
         QCOMPARE(m_reader->names("push button"), buttons);
     }
 
@@ -65,7 +66,8 @@ private slots:
     {
         start("en");
         QVERIFY(m_reader->activate("menu item", "Settings..."));
-        QTRY_COMPARE(m_reader->names("dialog"), QStringList{"Orvane Image Converter (Settings)"});
+        QTRY_COMPARE_WITH_TIMEOUT(m_reader->names("dialog"), QStringList{"Orvane Image Converter (Settings)"},
+                                  patienceMs);
         const QStringList inMainWindow{"Centre (x, y) ↔", "Centre (x, y) ↕", "Radius", "Output file name"};
         QCOMPARE(m_reader->names("text"),
                  inMainWindow + QStringList({"Camera distance (in globe radii, 1 - 100)",
@@ -103,8 +105,8 @@ private slots:
         m_desktop->folder().write("OV-photo.jpg", "an older map");
         start(language);
         QVERIFY(m_reader->activate("push button", convert));
-        QTRY_VERIFY2(m_reader->names("push button").contains(yes),
-                     qPrintable(m_reader->names("push button").join(", ")));
+        QTRY_VERIFY2_WITH_TIMEOUT(m_reader->names("push button").contains(yes),
+                                  qPrintable(m_reader->names("push button").join(", ")), patienceMs);
     }
 
 private:

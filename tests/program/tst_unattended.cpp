@@ -3,6 +3,7 @@
 #include "hostilepictures.h"
 #include "imagecompare.h"
 #include "memorylimit.h"
+#include "patience.h"
 #include "photographs.h"
 #include "programfolder.h"
 #include "referencemap.h"
@@ -157,7 +158,7 @@ void tst_Unattended::needsNoDisplay()
         environment.remove(name);
     process.setProcessEnvironment(environment);
     folder.start(process, QStringList{"/batch"} + photographs);
-    QVERIFY(process.waitForFinished(60000));
+    QVERIFY(process.waitForFinished(patienceMs));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
     QCOMPARE(QDir(folder.filePath("maps")).entryList(QDir::Files).size(), 2);
@@ -184,7 +185,7 @@ void tst_Unattended::settingsLieBesideTheLink()
     QVERIFY(QFile::link(folder.program(), link));
     QProcess process;
     process.start(link, QStringList{"/batch"} + photographs);
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(patienceMs));
     QVERIFY(QFile::exists(folder.filePath("elsewhere/maps.ini")));
     QVERIFY(!QFile::exists(folder.filePath("ovmic.ini")));
 }
@@ -224,11 +225,11 @@ void tst_Unattended::theSwitchIsCaseSensitive()
     QProcess process;
     folder.start(process, QStringList{"/Batch"} + photographs);
     QByteArray output;
-    QTRY_VERIFY_WITH_TIMEOUT((output += process.readAllStandardError()).contains("photo001.png"), 20000);
+    QTRY_VERIFY_WITH_TIMEOUT((output += process.readAllStandardError()).contains("photo001.png"), patienceMs);
     QCOMPARE(process.state(), QProcess::Running); // the batch dialog waits for an answer
     QVERIFY(!output.contains("batchConvert"));
     process.kill();
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(patienceMs));
     QVERIFY(!QFile::exists(folder.filePath("photo000.png")));
 }
 
@@ -262,7 +263,7 @@ void tst_Unattended::hostilePhotographsFailAlone()
     const QString limit = addressSpaceCanBeLimited ? "ulimit -v 2000000; " : "";
     shell.start("bash", {"-c", limit + "exec \"$@\"", "bash", folder.program(), "/batch", "texts.png",
                          "large.jpg", "pipe.png", "/proc/kmsg", ":/up.png", ":colon.png", photographs.at(0)});
-    QVERIFY(shell.waitForFinished(60000));
+    QVERIFY(shell.waitForFinished(patienceMs));
     QCOMPARE(shell.exitStatus(), QProcess::NormalExit);
     QCOMPARE(shell.exitCode(), 0);
     QStringList maps = filesIn(folder.filePath("maps"));
@@ -288,7 +289,7 @@ void tst_Unattended::fullDiskLeavesNoPartialMap()
     shell.start("bash", QStringList{"-c", "trap '' XFSZ; ulimit -f 64; exec \"$@\"", "bash", folder.program(),
                                     "/batch", folder.filePath("in/large.png")} +
                             photographs);
-    QVERIFY(shell.waitForFinished(60000));
+    QVERIFY(shell.waitForFinished(patienceMs));
     QCOMPARE(shell.exitCode(), 0);
     QCOMPARE(folder.read("maps/large.png"), QByteArray("the old map"));
     QCOMPARE(filesIn(folder.filePath("maps")), (QStringList{"large.png", "photo000.png", "photo001.png"}));
@@ -305,9 +306,9 @@ void tst_Unattended::killedInMidRunLeavesWholeMaps()
     folder.write("ovmic.ini", settings);
     QProcess process;
     folder.start(process, QStringList{"/batch"} + photographs);
-    QTRY_VERIFY_WITH_TIMEOUT(filesIn(folder.filePath("maps")).size() >= 5, 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(filesIn(folder.filePath("maps")).size() >= 5, patienceMs);
     process.kill();
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(patienceMs));
     // Only the file that was being written may be left, under a name of its own.
     for (const QString &name : filesIn(folder.filePath("maps"))) {
         if (name.endsWith(".png"))
@@ -326,7 +327,7 @@ void tst_Unattended::manyProcessesShareOneProgramFolder()
     QProcess shell;
     shell.setWorkingDirectory(folder.filePath("in"));
     shell.start("bash", {"-c", "printf '%s\\0' *.png | xargs -0 -n 6 -P 4 ../ovmic /batch"});
-    QVERIFY(shell.waitForFinished(120000));
+    QVERIFY(shell.waitForFinished(patienceMs));
     QCOMPARE(shell.exitCode(), 0);
     QCOMPARE(filesIn(folder.filePath("maps")).size(), photographs.size());
     for (const QString &photograph : photographs)

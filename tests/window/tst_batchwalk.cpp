@@ -5,6 +5,7 @@
 #include "freshwindow.h"
 #include "imagecompare.h"
 #include "modaldriver.h"
+#include "patience.h"
 #include "referencemap.h"
 #include "status.h"
 
@@ -48,7 +49,7 @@ void tst_BatchWalk::init()
     m_window->outputFolder = m_window->folder();
     m_window->show();
     QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    QTRY_COMPARE(m_window->unattended, 0);
+    QTRY_COMPARE_WITH_TIMEOUT(m_window->unattended, 0, patienceMs);
     m_window->ui->lineCenterX->setText("40");
     m_window->ui->lineCenterY->setText("30");
     m_window->ui->lineRadius->setText("28");
@@ -72,7 +73,7 @@ void tst_BatchWalk::openFromTheMenu()
     QMenuBar *bar = m_window->ui->menuBar;
     QMenu *menu = m_window->ui->menuFile;
     QTest::mouseClick(bar, Qt::LeftButton, {}, bar->actionGeometry(menu->menuAction()).center());
-    QTRY_VERIFY(menu->isVisible());
+    QTRY_VERIFY_WITH_TIMEOUT(menu->isVisible(), patienceMs);
     const QRect item = menu->actionGeometry(m_window->ui->actionBatch_Convert);
     QTest::mouseClick(menu, Qt::LeftButton, {}, item.center());
 }

@@ -1,5 +1,6 @@
 #include "circlewindow.h"
 #include "imagecompare.h"
+#include "patience.h"
 #include "previewwindow.h"
 #include "windowreference.h"
 
@@ -185,9 +186,9 @@ void tst_CircleButtons::buttonStepsTickByTick()
     };
     m_window->previewWindow->show();
     // A button that loses the focus is not held any longer: the windows have to come to rest first.
-    QTRY_COMPARE(QApplication::activeWindow(), m_window->previewWindow.get());
+    QTRY_COMPARE_WITH_TIMEOUT(QApplication::activeWindow(), m_window->previewWindow.get(), patienceMs);
     m_window->activateWindow();
-    QTRY_COMPARE(QApplication::activeWindow(), m_window.get());
+    QTRY_COMPARE_WITH_TIMEOUT(QApplication::activeWindow(), m_window.get(), patienceMs);
     m_window->autoPreview = true;
     m_window->clickTimer->blockSignals(true); // the ticks are given by hand
     const auto tick = [&] { return conversionsDuring([&] { m_window->slot("click_timer"); }); };
@@ -237,7 +238,7 @@ void tst_CircleButtons::clickMovesByOnePixel()
     const SelectionCircle next{200 + dx, 200 + dy, 100 + dr};
     m_window->mouse(QTest::MouseClick, button(name), {10, 10});
     QCOMPARE(circleOf(*m_window), next);
-    QTRY_VERIFY(!m_window->clickTimer->isActive()); // its single tick has come
+    QTRY_VERIFY_WITH_TIMEOUT(!m_window->clickTimer->isActive(), patienceMs); // its single tick has come
     QCOMPARE(countOf(collector.messages(), "click_timer()"), 1);
     QCOMPARE(circleOf(*m_window), next);
     QCOMPARE(m_window->typedCircle(), next);
@@ -250,14 +251,14 @@ void tst_CircleButtons::heldButtonRepeatsByItself()
     QElapsedTimer held;
     held.start();
     m_window->mouse(QTest::MousePress, m_window->ui->btnRight, {10, 10});
-    QTRY_VERIFY(m_window->centerX >= 202);
+    QTRY_VERIFY_WITH_TIMEOUT(m_window->centerX >= 202, patienceMs);
     QVERIFY(held.elapsed() >= 1100); // ten ticks of waiting, then two steps
     QCOMPARE(countOf(collector.messages(), "click_timer()"), 10 + m_window->centerX - 200);
     const int stepped = m_window->centerX;
     m_window->clickTimer->blockSignals(true);
     m_window->mouse(QTest::MouseRelease, m_window->ui->btnRight, {10, 10});
     QCOMPARE(m_window->centerX, stepped + 1);
-    QTRY_VERIFY(!m_window->clickTimer->isActive());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_window->clickTimer->isActive(), patienceMs);
 }
 
 void tst_CircleButtons::releaseOutsideKeepsRepeating()
@@ -277,7 +278,7 @@ void tst_CircleButtons::releaseOutsideKeepsRepeating()
     QVERIFY(m_window->clickTimer->isSingleShot());
     m_window->slot("click_timer");
     QCOMPARE(circleOf(*m_window), SelectionCircle({200, 195, 101}));
-    QTRY_VERIFY(!m_window->clickTimer->isActive());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_window->clickTimer->isActive(), patienceMs);
 }
 
 void tst_CircleButtons::pressTurnsTheTimerRepeatingAgain()
@@ -344,7 +345,7 @@ void tst_CircleButtons::buttonsWorkWithoutAPhotograph()
     FreshWindow window;
     window.mouse(QTest::MouseClick, window.ui->btnLeft, {10, 10});
     QCOMPARE(circleOf(window), SelectionCircle({-1, 0, 0}));
-    QTRY_COMPARE(window.ui->lineCenterX->text(), QString("-1"));
+    QTRY_COMPARE_WITH_TIMEOUT(window.ui->lineCenterX->text(), QString("-1"), patienceMs);
     QVERIFY(window.shownPicture().isNull());
 }
 

@@ -2,6 +2,7 @@
 // them, since an application has one command line for its whole life.
 
 #include "modaldriver.h"
+#include "patience.h"
 #include "testwindow.h"
 
 #include <QFile>
@@ -35,7 +36,7 @@ int runWindow(int argc, char *argv[])
             seen.append("count " + dialog->findChild<QLabel *>("labelSelectCount")->text());
             dialog->reject();
         });
-    if (!QTest::qWaitFor([&] { return window.unattended == 0; }, 20000) || !driver.done())
+    if (!QTest::qWaitFor([&] { return window.unattended == 0; }, patienceMs) || !driver.done())
         return 1;
     seen.append("loaded " + window.loadFileName);
     seen.append(QString("photograph %1 x %2").arg(window.image.width()).arg(window.image.height()));
@@ -101,7 +102,8 @@ QStringList tst_CommandLine::started(const QStringList &arguments) const
     process.setProcessEnvironment(environment);
     process.setWorkingDirectory(m_folder->path());
     process.start(QCoreApplication::applicationFilePath(), QStringList{childSwitch} + arguments);
-    if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0)
+    if (!process.waitForFinished(patienceMs) || process.exitStatus() != QProcess::NormalExit ||
+        process.exitCode() != 0)
         return {"the window failed", process.readAllStandardError()};
     return QString::fromUtf8(process.readAllStandardOutput()).split('\n');
 }

@@ -3,6 +3,7 @@
 #include "imagecompare.h"
 #include "modaldriver.h"
 #include "option.h"
+#include "patience.h"
 #include "previewwindow.h"
 #include "windowreference.h"
 
@@ -313,7 +314,7 @@ void tst_DuringConversion::pressedButtonsAreCaughtUp()
         for (int i = 0; i < 5; ++i)
             QTest::mouseClick(m_window->ui->btnUp, Qt::LeftButton);
     }));
-    QTRY_VERIFY(!m_window->clickTimer->isActive());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_window->clickTimer->isActive(), patienceMs);
     QCOMPARE(m_window->centerY, 195);
     COMPARE_IMAGES(shownMap(*m_window), referenceMap(*m_window));
 }

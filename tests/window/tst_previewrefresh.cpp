@@ -2,6 +2,7 @@
 #include "imagecompare.h"
 #include "messagecollector.h"
 #include "modaldriver.h"
+#include "patience.h"
 #include "previewwindow.h"
 #include "windowreference.h"
 
@@ -38,7 +39,7 @@ Deed clickOf(QPushButton *Ui::MainWindow::*button)
 {
     return [button](TestWindow &window) {
         QTest::mouseClick(window.ui.get()->*button, Qt::LeftButton);
-        QTRY_VERIFY(!window.clickTimer->isActive());
+        QTRY_VERIFY_WITH_TIMEOUT(!window.clickTimer->isActive(), patienceMs);
     };
 }
 
@@ -218,9 +219,9 @@ void tst_PreviewRefresh::heldButtonConvertsAtEveryTick()
     const MessageCollector collector;
     QTest::mousePress(m_window->ui->btnLeft, Qt::LeftButton);
     m_window->stepDelay = 1; // the rest of the first second
-    QTRY_COMPARE(m_window->centerX, 46);
+    QTRY_COMPARE_WITH_TIMEOUT(m_window->centerX, 46, patienceMs);
     QTest::mouseRelease(m_window->ui->btnLeft, Qt::LeftButton);
-    QTRY_VERIFY(!m_window->clickTimer->isActive());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_window->clickTimer->isActive(), patienceMs);
     const int ticks = collector.messages().count("click_timer()");
     QVERIFY(ticks >= 4); // one waiting, two stepping, one after the click
     QCOMPARE(collector.messages().count("convertImage"), ticks);

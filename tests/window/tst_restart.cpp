@@ -4,6 +4,7 @@
 #include "files.h"
 #include "freshwindow.h"
 #include "messagecollector.h"
+#include "patience.h"
 #include "rng.h"
 #include "settingsdump.h"
 #include "windowreference.h"
@@ -122,7 +123,7 @@ QStringList tst_Restart::nextRun() const
 {
     QProcess process;
     process.start(QCoreApplication::applicationFilePath(), {"--dump", settingFile()});
-    if (!process.waitForFinished() || process.exitCode() != 0)
+    if (!process.waitForFinished(patienceMs) || process.exitCode() != 0)
         return {"the next run failed", process.readAllStandardError()};
     return QString::fromUtf8(process.readAllStandardOutput()).split('\n');
 }
@@ -212,10 +213,10 @@ void tst_Restart::killedWhileClosingLeavesAWholeFile()
     for (int i = 0; i < 40; ++i) {
         QProcess process;
         process.start(QCoreApplication::applicationFilePath(), {"--close-for-ever", settingFile()});
-        QVERIFY(process.waitForReadyRead());
+        QVERIFY(process.waitForReadyRead(patienceMs));
         QThread::usleep(static_cast<unsigned long>(rng.between(0, 50000)));
         process.kill();
-        QVERIFY(process.waitForFinished());
+        QVERIFY(process.waitForFinished(patienceMs));
         QCOMPARE(process.exitStatus(), QProcess::CrashExit);
 
         const QByteArray file = contentsOf(settingFile());
@@ -252,7 +253,7 @@ void tst_Restart::mapBeyondTheMemoryDoesNotCrash()
     QFETCH(QString, height);
     QProcess process;
     process.start(QCoreApplication::applicationFilePath(), {"--convert", width, height});
-    QVERIFY(process.waitForFinished());
+    QVERIFY(process.waitForFinished(patienceMs));
     QCOMPARE(process.exitStatus(), QProcess::NormalExit);
     QCOMPARE(process.exitCode(), 0);
 }

@@ -1,5 +1,6 @@
 #include "freshwindow.h"
 #include "messagecollector.h"
+#include "patience.h"
 #include "previewwindow.h"
 
 #include <QMetaMethod>
@@ -290,7 +291,7 @@ void tst_Startup::passStopsItsTimer()
 {
     m_window->readShowString();
     m_window->show();
-    QTRY_VERIFY(!m_window->startTimer->isActive());
+    QTRY_VERIFY_WITH_TIMEOUT(!m_window->startTimer->isActive(), patienceMs);
     QCOMPARE(m_window->unattended, 0);
 }
 

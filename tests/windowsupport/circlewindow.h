@@ -2,6 +2,7 @@
 
 #include "freshwindow.h"
 #include "messagecollector.h"
+#include "patience.h"
 
 #include <algorithm>
 #include <functional>
@@ -28,8 +29,8 @@ public:
         if (!ui->actionAuto_Size->isChecked())
             ui->actionAuto_Size->trigger();
         open(colourfulPhotograph({40, 40}));
-        const bool settled =
-            QTest::qWaitFor([this] { return ui->label->size() == ui->scrollArea->viewport()->size(); });
+        const bool settled = QTest::qWaitFor(
+            [this] { return ui->label->size() == ui->scrollArea->viewport()->size(); }, patienceMs);
         const QSize label = ui->label->size();
         open(colourfulPhotograph(2 * label));
         setCircle(firstCircle);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "patience.h"
 #include <QMessageBox>
 #include <QObject>
 #include <QPointer>
@@ -40,7 +41,7 @@ public:
     };
 
     /// @param timeLimitMs  how long done() waits for announced windows, milliseconds
-    explicit ModalDriver(int timeLimitMs = 20000);
+    explicit ModalDriver(int timeLimitMs = patienceMs);
     /// Fails the running test unless done() was asked or all is well.
     ~ModalDriver() override;
 
