@@ -95,7 +95,7 @@ void tst_OvmicMapSignals::firstSignalFinishesWhatIsInWork()
 {
     QFETCH(int, signal);
     const MapFolder folder;
-    const QStringList photographs = folder.writePhotographs("in", 60);
+    const QStringList photographs = folder.writePhotographs("in", 600); // many, for a signal that comes late
     QProcess process;
     folder.start(process, MapFolder::program(), QStringList{"--jobs", "2"} + slowMaps + photographs);
     QVERIFY(process.waitForReadyRead(patienceMs));
@@ -105,7 +105,7 @@ void tst_OvmicMapSignals::firstSignalFinishesWhatIsInWork()
     QCOMPARE(process.exitCode(), 128 + signal);
     QCOMPARE(process.readAllStandardError(), QByteArray());
     QStringList finished = sortedLines(process.readAllStandardOutput());
-    QVERIFY2(finished.size() >= 1 && finished.size() < 60, qPrintable(finished.join(' ')));
+    QVERIFY2(finished.size() >= 1 && finished.size() < 600, qPrintable(finished.join(' ')));
     finished.replaceInStrings("maps/", QString());
     QCOMPARE(folder.namesIn("maps"), finished); // nothing else, and no temporary file
     for (const QString &name : finished)
