@@ -21,7 +21,7 @@ struct Gradient {
 /// disc of 12 pixels stays one. The outermost pixels are repeated beyond the frame.
 DiscPlane smoothed(const DiscPlane &plane)
 {
-    constexpr std::array<float, 5> bell = {0.2853F, 0.2211F, 0.1028F, 0.0287F, 0.0048F};
+    constexpr std::array bell = {0.2853F, 0.2211F, 0.1028F, 0.0287F, 0.0048F};
     const int reach = static_cast<int>(bell.size()) - 1;
     const auto width = static_cast<std::size_t>(plane.width);
     const auto sum = [&](float c, float n1, float n2, float n3, float n4) {

@@ -78,8 +78,8 @@ void keepRests(std::vector<LimbSector> &sectors, const std::vector<LimbRest> &re
 /// returns it. Blurs are pixels of the source, or more where the profiles are wide.
 double chooseBlur(LimbSectors &read, double radius, LimbEffort effort)
 {
-    static constexpr std::array<double, 10> fine = {0.5, 0.7, 0.9, 1.15, 1.45, 1.8, 2.2, 2.8, 3.6, 5.0};
-    static constexpr std::array<double, 4> coarse = {0.6, 1.1, 1.8, 3.0};
+    static constexpr std::array fine = {0.5, 0.7, 0.9, 1.15, 1.45, 1.8, 2.2, 2.8, 3.6, 5.0};
+    static constexpr std::array coarse = {0.6, 1.1, 1.8, 3.0};
     const double *blurs = effort == LimbEffort::Fine ? fine.data() : coarse.data();
     const std::size_t count = effort == LimbEffort::Fine ? fine.size() : coarse.size();
     const double unit = std::max(1.0, static_cast<double>(profileSamples) * read.step / 24.0) / read.step;
