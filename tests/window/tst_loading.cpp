@@ -40,6 +40,8 @@ private slots:
     void circleOutsideTheNewPhotographIsKept();
     void oneZeroValueFitsTheCircleAgain_data();
     void oneZeroValueFitsTheCircleAgain();
+    void smallestCircleIsShown();
+    void negativeValueKeepsTheCircleHidden_data();
     void negativeValueKeepsTheCircleHidden();
     void mapNameIsProposed_data();
     void mapNameIsProposed();
@@ -181,13 +183,36 @@ void tst_Loading::oneZeroValueFitsTheCircleAgain()
     QCOMPARE(m_window->radius, 39);
 }
 
+void tst_Loading::smallestCircleIsShown()
+{
+    m_window->centerX = 1;
+    m_window->centerY = 1;
+    m_window->radius = 1;
+    load(picture("p.png"));
+    QCOMPARE(circleOf(*m_window), SelectionCircle({1, 1, 1}));
+    QVERIFY(m_window->selectShow);
+}
+
+void tst_Loading::negativeValueKeepsTheCircleHidden_data()
+{
+    QTest::addColumn<int>("x");
+    QTest::addColumn<int>("y");
+    QTest::addColumn<int>("r");
+    QTest::newRow("centre x") << -3 << 10 << 10;
+    QTest::newRow("centre y") << 10 << -3 << 10;
+    QTest::newRow("radius") << 10 << 10 << -3;
+}
+
 void tst_Loading::negativeValueKeepsTheCircleHidden()
 {
-    m_window->centerX = -3;
-    m_window->centerY = 10;
-    m_window->radius = 10;
+    QFETCH(int, x);
+    QFETCH(int, y);
+    QFETCH(int, r);
+    m_window->centerX = x;
+    m_window->centerY = y;
+    m_window->radius = r;
     load(picture("p.png"));
-    QCOMPARE(m_window->centerX, -3);
+    QCOMPARE(circleOf(*m_window), SelectionCircle({x, y, r}));
     QVERIFY(!m_window->selectShow);
     QCOMPARE(m_window->ui->label->pixmap(Qt::ReturnByValue).toImage().pixelColor(10, 0),
              QColor(Qt::darkGreen));
