@@ -73,6 +73,7 @@ private slots:
     void drawsTheOuterDiscInwardsNearTheGlobe();
     void drawsTheOuterDiscAsSeenWithoutALens();
     void leavesPixelsBesideThePhotograph();
+    void asksForNoPixelBesideThePhotograph();
     void countsSamplesAboveTheTop_data();
     void countsSamplesAboveTheTop();
     void wrapsOffsetsTo16Bits_data();
@@ -269,6 +270,20 @@ void tst_ConvertImage::leavesPixelsBesideThePhotograph()
     }
     COMPARE_IMAGES(map, expected);
     QCOMPARE(log.messages(), QStringList("Convert error 0"));
+}
+
+void tst_ConvertImage::asksForNoPixelBesideThePhotograph()
+{
+    // The disc reaches beyond all four sides. In a format that is read by the pixel, the toolkit would warn of each.
+    const QImage photograph = solidPhotograph({5, 5}).convertToFormat(QImage::Format_RGB16);
+    MessageCollector log;
+    QImage map = canvas({180, 180}, untouched);
+    paint(photograph, map, {2, 2, 8});
+    QCOMPARE(log.messages(), QStringList("Convert error 0"));
+    QImage expected = canvas({180, 180}, untouched);
+    paint(solidPhotograph({5, 5}), expected, {2, 2, 8});
+    COMPARE_IMAGES(map, expected);
+    QVERIFY(map.pixelColor(0, 89) == untouched && map.pixelColor(0, 0) == QColor(Qt::red));
 }
 
 void tst_ConvertImage::countsSamplesAboveTheTop_data()

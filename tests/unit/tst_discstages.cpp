@@ -117,6 +117,7 @@ class tst_DiscStages : public QObject
 
 private slots:
     void numbersStayTheSame();
+    void shortestSideIsSearched();
 };
 
 void tst_DiscStages::numbersStayTheSame()
@@ -141,6 +142,19 @@ void tst_DiscStages::numbersStayTheSame()
     QFAIL(qPrintable(QString("line %1 is \"%2\" and was \"%3\"; all lines as they are now: %4")
                          .arg(first + 1)
                          .arg(lines.value(first), known.value(first), QFileInfo(now).absoluteFilePath())));
+}
+
+void tst_DiscStages::shortestSideIsSearched()
+{
+    const auto isSearched = [](int width, int height) {
+        QImage image(width, height, QImage::Format_RGB32);
+        image.fill(Qt::gray);
+        DiscPixels pixels(image);
+        return !reducedView(pixels).plane.values.empty();
+    };
+    QVERIFY(isSearched(24, 24));
+    QVERIFY(!isSearched(23, 24));
+    QVERIFY(!isSearched(24, 23));
 }
 
 QTEST_GUILESS_MAIN(tst_DiscStages)
