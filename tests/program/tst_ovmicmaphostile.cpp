@@ -233,11 +233,13 @@ void tst_OvmicMapHostile::fullDisk_data()
 void tst_OvmicMapHostile::fullDisk()
 {
     QFETCH(QString, limit);
-    const MapFolder folder;
+    MapFolder folder;
     folder.writePhotographs("in", 2);
     folder.smallMaps();
     folder.makeFolder("maps");
     folder.write("maps/OV-photo000.jpg", "the old map");
+    // What scripts/coverage counts would be cut off as well.
+    folder.environment().insert("GCOV_PREFIX", folder.filePath("counts"));
     const MapFolder::Result result =
         folder.shell("trap '' XFSZ; ulimit -f " + limit +
                      "; ovmic-map -j1 --overwrite --world-file --quality 100 -f jpg -s 1024x1024 "
