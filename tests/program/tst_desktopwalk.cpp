@@ -196,6 +196,7 @@ void tst_DesktopWalk::helpOpensTheManual()
     m_desktop->keys({"F1"});
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(folder.filePath("opened")), patienceMs);
     QCOMPARE(QUrl(QString::fromUtf8(folder.read("opened"))).toLocalFile(), folder.filePath(manual));
+    QVERIFY(m_desktop->closeMainWindow());
 }
 
 // Open through the dialog, convert, decline the overwrite, accept it, and find the map on the disk.

@@ -19,6 +19,7 @@ private slots:
     void textsThatUnfoldWithoutEnd();
     void hostileSettings();
     void hostileCircleFiles();
+    void brokenLists();
     void longLists_data();
     void longLists();
     void fullDisk_data();
@@ -184,6 +185,19 @@ void tst_OvmicMapHostile::hostileCircleFiles()
     COMPARE_RUN(folder.run({"a.png", "--circle-file", "serialized"}), 2,
                 "ovmic-map: --circle-file serialized: CenterX is missing\n");
     COMPARE_RUN(folder.run({"a.png", "--circle-file", "extreme"}), 0, "");
+}
+
+/// A list that turns out to be none after its first photographs: none of them is converted.
+void tst_OvmicMapHostile::brokenLists()
+{
+    const MapFolder folder;
+    folder.writePhotograph("a.png");
+    folder.write("list", QByteArray("a.png\nb\0.png\na.png\n", 19));
+    COMPARE_RUN(folder.run({"--files-from", "list", "-o", "maps"}), 2,
+                "ovmic-map: --files-from list: holds NUL bytes: --null is needed for such a list\n");
+    COMPARE_RUN(folder.run({"a.png", "--files-from", "/proc/self/mem", "-o", "maps"}), 2,
+                "ovmic-map: --files-from /proc/self/mem: Input/output error\n");
+    QVERIFY(!QFile::exists(folder.filePath("maps")));
 }
 
 void tst_OvmicMapHostile::longLists_data()

@@ -256,6 +256,8 @@ void tst_MapOptions::circles_data()
     QTest::newRow("that of the settings") << whole << QStringList() << "11,12,13";
     QTest::newRow("settings with a zero: fitted, as the window does")
         << QByteArray("[General]\nCenterX=0\nCenterY=12\nRadius=13\n") << QStringList() << "fit";
+    QTest::newRow("settings with a zero radius: the same")
+        << QByteArray("[General]\nCenterX=11\nCenterY=12\nRadius=0\n") << QStringList() << "fit";
     QTest::newRow("settings without a circle")
         << QByteArray("[General]\nDistance=6\n") << QStringList() << "fit";
     QTest::newRow("an option wins") << whole << QStringList{"-c", "1,2,3"} << "1,2,3";
@@ -313,6 +315,10 @@ void tst_MapOptions::fileFormats_data()
     const char *tooLarge = ": a map of %1 pixels cannot be made; 1 to 32767 are possible";
     QTest::newRow("no width") << QByteArray("[General]\nOutputSizeX=0\n")
                               << QString(tooLarge).arg("0 x 1024");
+    QTest::newRow("no height") << QByteArray("[General]\nOutputSizeY=0\n")
+                               << QString(tooLarge).arg("2048 x 0");
+    QTest::newRow("a map that is too wide by one")
+        << QByteArray("[General]\nOutputSizeX=32768\n") << QString(tooLarge).arg("32768 x 1024");
     QTest::newRow("a huge map") << QByteArray("[General]\nOutputSizeX=1\nOutputSizeY=2147483647\n")
                                 << QString(tooLarge).arg("1 x 2147483647");
     QTest::newRow("no number") << QByteArray("[General]\nDistance=\"6,6\"\n")

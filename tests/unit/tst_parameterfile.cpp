@@ -1,5 +1,6 @@
 #include "parameterfile.h"
 
+#include "faults.h"
 #include "files.h"
 #include "rng.h"
 
@@ -27,6 +28,7 @@ private slots:
     void settingsKeepDefaultsForWhatIsMissing();
     void settingsSayWhatIsWrong_data();
     void settingsSayWhatIsWrong();
+    void unreadableFileIsRefused();
     void serializedValuesAreHarmless_data();
     void serializedValuesAreHarmless();
     void randomBytesAreHarmless();
@@ -136,6 +138,17 @@ void tst_ParameterFile::settingsSayWhatIsWrong()
     QFETCH(QByteArray, contents);
     QFETCH(QString, problem);
     QCOMPARE(readMapSettings(path.isEmpty() ? written(contents) : path).problem, problem);
+}
+
+void tst_ParameterFile::unreadableFileIsRefused()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("settings.ini");
+    writeFile(path, "[General]\nDistance=6.6\n");
+    QVERIFY(QFile::setPermissions(path, QFile::WriteOwner));
+    handOver({folder.path(), path});
+    const auto isDenied = [&] { return readMapSettings(path).problem == QLatin1String("Permission denied"); };
+    QCOMPARE(asOrdinaryUser(isDenied), Answer::Yes);
 }
 
 void tst_ParameterFile::serializedValuesAreHarmless_data()

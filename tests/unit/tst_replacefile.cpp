@@ -58,6 +58,7 @@ private slots:
     void pipeIsRefused();
     void longestFileNameIsReplaced_data();
     void longestFileNameIsReplaced();
+    void longestFileNameIsRefusedWithoutRights();
     void fullDiskLeavesOldFile_data();
     void fullDiskLeavesOldFile();
     void fullSmallDiskLeavesOldFile();
@@ -302,6 +303,24 @@ void tst_ReplaceFile::longestFileNameIsReplaced()
     QCOMPARE(withFileSizeLimit(2, [&] { return replaceFile(path, "newer", ReadOnlyFolder::Refuse); }),
              Answer::No);
     QCOMPARE(contentsOf(path), QByteArray("new"));
+    QCOMPARE(namesIn(m_folder->path()), QStringList{name});
+}
+
+/// The folder would let anybody put another file in its place.
+void tst_ReplaceFile::longestFileNameIsRefusedWithoutRights()
+{
+    const QString name(255, 'x');
+    const QString path = m_folder->filePath(name);
+    writeFile(path, oldContents);
+    QCOMPARE(chmod(QFile::encodeName(path).constData(), 0444), 0);
+    handOver({path, m_folder->path()});
+    const auto isDenied = [&] {
+        QString reason;
+        return !replaceFile(path, "new", ReadOnlyFolder::Refuse, &reason) &&
+               reason == QLatin1String("Permission denied");
+    };
+    QCOMPARE(asOrdinaryUser(isDenied), Answer::Yes);
+    QCOMPARE(contentsOf(path), QByteArray(oldContents));
     QCOMPARE(namesIn(m_folder->path()), QStringList{name});
 }
 
