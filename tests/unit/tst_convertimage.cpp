@@ -8,8 +8,10 @@
 #include <QColor>
 #include <QtTest>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace
 {
@@ -86,6 +88,7 @@ private slots:
     void handlesEventsAfterEveryRow();
     void extremeCirclesPaintNothing_data();
     void extremeCirclesPaintNothing();
+    void rowsBelowTheMapAreNotPainted();
     void extremeRatiosPaintTheCentreOrNothing_data();
     void extremeRatiosPaintTheCentreOrNothing();
     void nullImagesChangeNothing();
@@ -445,6 +448,19 @@ void tst_ConvertImage::extremeCirclesPaintNothing()
     if (!center.isNull())
         COMPARE_IMAGES(map, canvas({64, 32}, untouched));
     QCOMPARE(log.messages(), QStringList("Convert error 0"));
+}
+
+void tst_ConvertImage::rowsBelowTheMapAreNotPainted()
+{
+    // The rows of the margin, 33000, wrap to -32536: the first row to paint lies far below a map of 20 rows.
+    constexpr int height = 20;
+    constexpr int more = 40;
+    constexpr quint32 before = 0xff010203U;
+    std::vector<quint32> pixels(height + more, before);
+    QImage map(reinterpret_cast<uchar *>(pixels.data()), 1, height, 4, QImage::Format_ARGB32_Premultiplied);
+    paint(solidPhotograph({9, 1}), map, {4, 0, 4}, 1.0, 3300000.0);
+    QVERIFY(std::all_of(pixels.begin(), pixels.begin() + height, [](quint32 p) { return p == 0xffff0000U; }));
+    QVERIFY(std::all_of(pixels.begin() + height, pixels.end(), [](quint32 p) { return p == before; }));
 }
 
 void tst_ConvertImage::extremeRatiosPaintTheCentreOrNothing_data()

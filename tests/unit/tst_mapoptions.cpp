@@ -40,6 +40,7 @@ class tst_MapOptions : public QObject
 private slots:
     void defaultsAreThoseOfTheWindow();
     void everyValueArrives();
+    void formatWinsOverTheSettings();
     void searchInsteadOfMaps();
     void shortNames();
     void limitsAreAllowed_data();
@@ -111,6 +112,21 @@ void tst_MapOptions::everyValueArrives()
     QCOMPARE(options->photographs.size(), 3);
     QCOMPARE(options->photographs.at(1), QString("-"));
     QCOMPARE(options->photographs.at(2), QString("--b.jpg"));
+}
+
+void tst_MapOptions::formatWinsOverTheSettings()
+{
+    const QTemporaryDir folder;
+    const QString path = folder.filePath("settings.ini");
+    writeFile(path, "[General]\nOutputFormat=1\n");
+    for (const char *format : {"jpg", "png"}) {
+        const auto options = read({"--settings", path, "--format", format, "a.jpg"});
+        QVERIFY(options);
+        QCOMPARE(options->format, QString(format));
+    }
+    const auto options = read({"--settings", path, "a.jpg"});
+    QVERIFY(options);
+    QCOMPARE(options->format, QString("png"));
 }
 
 void tst_MapOptions::searchInsteadOfMaps()

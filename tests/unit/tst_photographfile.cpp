@@ -11,6 +11,7 @@
 #include <QImageReader>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cmath>
 #include <sys/stat.h>
 
@@ -35,12 +36,18 @@ private slots:
     void saysWhyNot();
     void neverWaitsForAPipe();
     void leadingColonHasNoMeaning();
+#ifdef Q_OS_LINUX
+    void limitIsAQuarterOfTheMemory();
+#endif
     void tooLargeAPictureIsNotTried_data();
     void tooLargeAPictureIsNotTried();
     void textsBeyondTheMemoryAreAReason();
 
 private:
-    QString in(const QString &name) const { return m_folder->filePath(name); }
+    QString in(const QString &name) const
+    {
+        return m_folder->filePath(name);
+    }
 
     std::unique_ptr<QTemporaryDir> m_folder;
 };
@@ -322,6 +329,19 @@ void tst_PhotographFile::leadingColonHasNoMeaning()
     QCOMPARE(photograph.reason, QString());
     QCOMPARE(photograph.image.size(), QSize(1280, 960));
 }
+
+#ifdef Q_OS_LINUX
+void tst_PhotographFile::limitIsAQuarterOfTheMemory()
+{
+    const QByteArray memory =
+        contentsOf("/proc/meminfo").split('\n').first().simplified(); // "MemTotal: 123 kB"
+    QVERIFY(memory.startsWith("MemTotal: ") && memory.endsWith(" kB"));
+    const double quarter = memory.split(' ').at(1).toDouble() * 1024 / 4;
+    const double expected = std::max(quarter, double(1 << 30));
+    // The system keeps some of it to itself, and does not always count that.
+    QVERIFY(std::abs(double(largestPhotographBytes()) - expected) < 0.1 * expected);
+}
+#endif
 
 void tst_PhotographFile::tooLargeAPictureIsNotTried_data()
 {

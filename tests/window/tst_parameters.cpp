@@ -4,6 +4,7 @@
 #include "imagecompare.h"
 #include "messagecollector.h"
 #include "modaldriver.h"
+#include "parameterfile.h"
 #include "previewwindow.h"
 
 #include <QDir>
@@ -422,6 +423,15 @@ void tst_Parameters::cancelledLoadChangesNothing()
     m_window->ui->lineRadius->setText("55");
     ModalDriver driver;
     driver.expect<QFileDialog>([](QFileDialog *picker) { picker->reject(); });
+    m_window->ui->actionLoad_Param->trigger();
+    QVERIFY(driver.done());
+    // A file that was chosen before the dialog was cancelled is not read either.
+    const QString file = m_window->filePath("other.ini");
+    writeCircleFile(file, {1, 2, 3});
+    driver.expect<QFileDialog>([&](QFileDialog *picker) {
+        picker->selectFile(file);
+        picker->reject();
+    });
     m_window->ui->actionLoad_Param->trigger();
     QVERIFY(driver.done());
     QCOMPARE(circleOf(*m_window), aCircle);

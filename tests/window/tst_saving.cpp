@@ -28,6 +28,7 @@ private slots:
 
     void decliningKeepsTheOldFile_data();
     void decliningKeepsTheOldFile();
+    void nameIsShownAsItIs();
     void decliningStoresTheNewPath();
     void acceptingReplacesTheOldFile();
     void noQuestionWithoutAnOldFile();
@@ -194,6 +195,22 @@ void tst_Saving::decliningKeepsTheOldFile()
     QCOMPARE(namesIn(m_window->folder()), names);
     QVERIFY(!collector.messages().contains("convertImage"));
     QCOMPARE(m_window->saveFileName, path("OV-planet.jpg"));
+}
+
+void tst_Saving::nameIsShownAsItIs()
+{
+    const QString name = "<b>bold.jpg";
+    writeFile(path(name), oldContents);
+    m_window->ui->lineSaveFilename->setText(name);
+    ModalDriver driver;
+    for (const auto button : {QMessageBox::Yes, QMessageBox::Ok}) // the question, and the confirmation
+        driver.expect<QMessageBox>([&, button](QMessageBox *box) {
+            QVERIFY(box->text().contains(name));
+            QCOMPARE(box->textFormat(), Qt::PlainText);
+            box->button(button)->click();
+        });
+    m_window->clickConvert();
+    QVERIFY(driver.done());
 }
 
 void tst_Saving::decliningStoresTheNewPath()
