@@ -200,6 +200,9 @@ void tst_PhotographFile::memoryOfAnotherPhotographChangesNothing()
     };
     fillWithMagenta();
     const uchar *pixels = memory.image({1280, 960}, QImage::Format_RGB32).constBits();
+    QCOMPARE(loadPhotograph(in("whole.jpg"), memory).image.constBits(), pixels);
+    const QImage other(1280, 960, QImage::Format_RGB32); // has the pixels if they were given back meanwhile
+    QVERIFY(other.constBits() != pixels);
     QImage first = loadPhotograph(in("whole.jpg"), memory).image;
     QCOMPARE(first.constBits(), pixels); // it was taken
     COMPARE_IMAGES(first, QImage(in("whole.jpg")));

@@ -25,6 +25,8 @@ void tst_ProgressLine::text_data()
                                    << "40 of 100, 2.0 photographs/s, 0:30 left";
     QTest::newRow("with failures") << 100 << 38 << 0 << 2 << 20.0
                                    << "40 of 100, 2 failed, 2.0 photographs/s, 0:30 left";
+    QTest::newRow("one has failed") << 100 << 39 << 0 << 1 << 20.0
+                                    << "40 of 100, 1 failed, 2.0 photographs/s, 0:30 left";
     QTest::newRow("what was there says nothing about the rest")
         << 100 << 60 << 50 << 0 << 20.0 << "60 of 100, 0.5 photographs/s, 1:20 left";
     QTest::newRow("only passed over so far") << 100 << 50 << 50 << 0 << 1.0 << "50 of 100";

@@ -8,8 +8,11 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFontInfo>
+#include <QIcon>
 #include <QRadioButton>
 #include <QStyleOptionButton>
+
+#include <algorithm>
 
 namespace
 {
@@ -106,6 +109,14 @@ private:
     }
 
 private slots:
+    void windowIconComesInEverySize()
+    {
+        setWindowIcons();
+        const QIcon icon = QGuiApplication::windowIcon();
+        QList<QSize> sizes = icon.availableSizes();
+        std::sort(sizes.begin(), sizes.end(), [](QSize a, QSize b) { return a.width() < b.width(); });
+        QCOMPARE(sizes, QList<QSize>({{16, 16}, {32, 32}, {48, 48}, {128, 128}}));
+    }
     void initTestCase()
     {
         // Set by ctest: 1.25 on a display of 125 per cent, say.
