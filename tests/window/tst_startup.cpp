@@ -1,5 +1,6 @@
 #include "freshwindow.h"
 #include "messagecollector.h"
+#include "modaldriver.h"
 #include "patience.h"
 #include "previewwindow.h"
 
@@ -77,6 +78,7 @@ private slots:
     void passRestoresTheView();
     void passStopsItsTimer();
     void passLoadsTheLastPhotograph();
+    void endedProgramBeginsNoBatch();
     void hiddenWindowStaysUnattended();
 
 private:
@@ -305,6 +307,24 @@ void tst_Startup::passLoadsTheLastPhotograph()
     m_window->slot("timeout");
     QCOMPARE(m_window->image.size(), QSize(40, 30));
     QCOMPARE(m_window->saveFileName, m_window->filePath("OV-写真.jpg"));
+}
+
+void tst_Startup::endedProgramBeginsNoBatch()
+{
+    m_window->readShowString();
+    m_window->outputFolder = m_window->filePath("");
+    m_window->arguments = QStringList{"ovmic", "/batch"};
+    for (const char *name : {"a.png", "b.png"}) {
+        const QString path = m_window->filePath(name);
+        QVERIFY(solidPhotograph({40, 30}, Qt::blue).save(path));
+        m_window->arguments.append(path);
+    }
+    m_window->closeApplication(); // before the pass
+    ModalDriver driver;
+    m_window->slot("timeout");
+    QVERIFY(driver.done()); // nor does it say anything
+    QCOMPARE(m_window->fileList, m_window->arguments.mid(2));
+    QCOMPARE(QDir(m_window->filePath("")).entryList({"*.jpg", "OV-*"}), QStringList());
 }
 
 void tst_Startup::hiddenWindowStaysUnattended()
