@@ -3,6 +3,7 @@
 #include "imagecompare.h"
 #include "mapfolder.h"
 #include "modaldriver.h"
+#include "programfolder.h"
 #include "referenceengine.h"
 #include "savingwindow.h"
 
@@ -64,6 +65,8 @@ private slots:
     void sameBytes();
     void sameBytesFromTheSettingsFile();
     void sameBytesAsABatch();
+    void sameBytesOnAnyDisplay_data();
+    void sameBytesOnAnyDisplay();
     void lensNoneIsAnotherMap();
     void savedCircleIsLoaded();
 };
@@ -183,6 +186,56 @@ void tst_OvmicMapEquality::sameBytesAsABatch()
     QCOMPARE(folder.namesIn("maps"), folder.namesIn("batch"));
     for (const QString &name : folder.namesIn("maps"))
         QVERIFY(folder.read("maps/" + name) == folder.read("batch/" + name));
+}
+
+void tst_OvmicMapEquality::sameBytesOnAnyDisplay_data()
+{
+    // Both formats have a field for the size of a pixel, which the toolkit takes from the display.
+    QTest::addColumn<QByteArray>("variable");
+    QTest::addColumn<QByteArray>("format");
+    for (const char *format : {"jpg", "png"}) {
+        QTest::addRow("%s, as it is", format) << QByteArray("LC_ALL=C.UTF-8") << QByteArray(format);
+        QTest::addRow("%s, large type", format) << QByteArray("QT_FONT_DPI=144") << QByteArray(format);
+        QTest::addRow("%s, scaled", format) << QByteArray("QT_SCALE_FACTOR=2") << QByteArray(format);
+        QTest::addRow("%s, never scaled", format)
+            << QByteArray("QT_ENABLE_HIGHDPI_SCALING=0") << QByteArray(format);
+    }
+}
+
+void tst_OvmicMapEquality::sameBytesOnAnyDisplay()
+{
+    QFETCH(QByteArray, variable);
+    QFETCH(QByteArray, format);
+    const MapFolder folder;
+    const QStringList photographs = folder.writePhotographs("in", 2);
+    folder.makeFolder("batch");
+    const ProgramFolder installation;
+    installation.write("ovmic.ini",
+                       "[General]\nOutputSizeX=64\nOutputSizeY=32\nCenterX=30\nCenterY=20\nRadius=19\n"
+                       "OutputFormat=" +
+                           QByteArray(format == "png" ? "1" : "0") + "\nOutputFolder=\"" +
+                           folder.filePath("batch").toUtf8() + "\"\n");
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    const int equals = variable.indexOf('=');
+    environment.insert(variable.left(equals), variable.mid(equals + 1));
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    installation.start(process, {"/batch", folder.filePath(photographs[0]), folder.filePath(photographs[1])});
+    QVERIFY(process.waitForFinished(patienceMs));
+    QCOMPARE(process.exitCode(), 0);
+
+    COMPARE_RUN(folder.run(photographs + QStringList{"-o", "maps", "-n", "{name}", "--settings",
+                                                     installation.settingFile()}),
+                0, "");
+    QCOMPARE(folder.namesIn("maps").size(), 2);
+    QCOMPARE(folder.namesIn("maps"), folder.namesIn("batch"));
+    for (const QString &name : folder.namesIn("maps")) {
+        QVERIFY(name.endsWith(format));
+        QVERIFY(folder.read("maps/" + name) == folder.read("batch/" + name));
+        const QImage map(folder.filePath("maps/" + name));
+        QCOMPARE(qRound(map.dotsPerMeterX() * 0.0254), 96);
+        QCOMPARE(qRound(map.dotsPerMeterY() * 0.0254), 96);
+    }
 }
 
 void tst_OvmicMapEquality::lensNoneIsAnotherMap()
