@@ -15,6 +15,20 @@ bool waitFor(const std::function<bool()> &condition)
     return QTest::qWaitFor(condition, patienceMs);
 }
 
+/// Presses a key, and again as long as nothing comes of it. A key can be lost: to a window manager that reads the
+/// keyboard's map anew, as the first key of all makes it do, and with the focus, when a window opens while another
+/// one goes. @return whether the condition came true in time
+bool persist(const std::function<void()> &press, const std::function<bool()> &condition)
+{
+    constexpr int pauseMs = 10000;
+    for (int pressed = 0; pressed < patienceMs / pauseMs; ++pressed) {
+        press();
+        if (QTest::qWaitFor(condition, pauseMs))
+            return true;
+    }
+    return false;
+}
+
 } // namespace
 
 Desktop::~Desktop()
@@ -39,8 +53,7 @@ bool Desktop::isRunning() const
 
 bool Desktop::closeMainWindow()
 {
-    keys({"alt+F4"});
-    return waitFor([this] { return !isRunning(); });
+    return persist([&] { keys({"alt+F4"}); }, [&] { return !isRunning(); });
 }
 
 QString Desktop::window(const QString &title)
@@ -67,20 +80,13 @@ bool Desktop::isVisible(const QString &title)
     return !run({"search", "--onlyvisible", "--name", pattern}).isEmpty();
 }
 
-// A window that opens while another one goes can lose the focus once more, and the key with it.
 bool Desktop::answer(const QString &title, const QString &key)
 {
-    for (int attempt = 0; attempt < 4; ++attempt) {
-        if (window(title).isEmpty())
-            return false;
+    const auto press = [&] {
+        run({"windowfocus", "--sync", m_window});
         keys({key});
-        QElapsedTimer pressed;
-        pressed.start();
-        const auto isGone = [&] { return !isVisible(title); };
-        if (waitFor([&] { return isGone() || pressed.hasExpired(10000); }) && isGone())
-            return true;
-    }
-    return false;
+    };
+    return !window(title).isEmpty() && persist(press, [&] { return !isVisible(title); });
 }
 
 QString Desktop::lineStarting(const QString &text)
