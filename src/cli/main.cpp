@@ -107,6 +107,8 @@ int main(int argc, char *argv[])
     // No thread of ours handles events; glib's dispatcher, which each would get, ends the program where memory is short.
     qputenv("QT_NO_GLIB", "1");
     useFileNameCodec();
+    // The resolution of an image, which maps have in their files: that of every display whose scale the window follows.
+    QCoreApplication::setAttribute(Qt::AA_Use96Dpi);
     const QCoreApplication application(argc, argv);
 
     QString problem;

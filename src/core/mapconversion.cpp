@@ -36,8 +36,6 @@ projection::PerspectiveParameters perspectiveParameters(const MapParameters &par
 namespace
 {
 
-constexpr int mapDotsPerMeter = 3780; // 96 an inch
-
 /// From calloc, so that rows which nothing is painted in cost no time and no memory.
 QImage transparentCanvas(QSize size)
 {
@@ -48,12 +46,8 @@ QImage transparentCanvas(QSize size)
     void *pixels = std::calloc(size_t(size.height()), size_t(bytesPerLine));
     if (!pixels)
         return {};
-    QImage canvas(static_cast<uchar *>(pixels), size.width(), size.height(), int(bytesPerLine),
-                  QImage::Format_ARGB32_Premultiplied, std::free, pixels);
-    // Otherwise the resolution of the display, which the map's file would have too.
-    canvas.setDotsPerMeterX(mapDotsPerMeter);
-    canvas.setDotsPerMeterY(mapDotsPerMeter);
-    return canvas;
+    return {static_cast<uchar *>(pixels),        size.width(), size.height(), int(bytesPerLine),
+            QImage::Format_ARGB32_Premultiplied, std::free,    pixels};
 }
 
 /// The photograph with straight 32-bit colours, as it is if it has them.

@@ -50,9 +50,9 @@ projection::PerspectiveParameters perspectiveParameters(const MapParameters &par
 /// convert at the same time, with listeners that bear it.
 /// @param photograph  any format; null gives a null map; not read any more once the listener is called
 /// @param parameters  any values; an azimuth or a longitude that is no number leaves the map blank
-/// @return a map of the output size, premultiplied 32 bits, transparent where nothing was painted, 96 dots per inch
-///         whatever the display has; null when a canvas cannot be allocated (also for sizes of 0 or less), or when the
-///         azimuth step emptied the map and no later step brings a canvas
+/// @return a map of the output size, premultiplied 32 bits, transparent where nothing was painted; null
+///         when a canvas cannot be allocated (also for sizes of 0 or less), or when the azimuth step emptied the map
+///         and no later step brings a canvas
 QImage convertToMap(const QImage &photograph, MapParameters parameters,
                     AzimuthStep azimuthStep = AzimuthStep::Rotates,
                     const ConversionListener &listener = windowListener());
