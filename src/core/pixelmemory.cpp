@@ -43,6 +43,6 @@ QImage PixelMemory::image(QSize size, QImage::Format format)
     QImage result(m_block->pixels, size.width(), size.height(), int(bytesPerLine), format, release,
                   owner.get());
     if (!result.isNull())
-        owner.release(); // the image has it
+        static_cast<void>(owner.release()); // the image has it
     return result;
 }

@@ -2,8 +2,10 @@
 
 #include "inifile.h"
 
-UiTexts::UiTexts(const QString &langFile, const QString &group, QMap<QString, QString> &messages)
-    : m_file(openIniFile(langFile)), m_group(group), m_messages(messages)
+#include <utility>
+
+UiTexts::UiTexts(const QString &langFile, QString group, QMap<QString, QString> &messages)
+    : m_file(openIniFile(langFile)), m_group(std::move(group)), m_messages(messages)
 {
 }
 

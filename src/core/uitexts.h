@@ -12,7 +12,7 @@ class UiTexts
 public:
     /// @param group     "main", "batch_convert" or "config"
     /// @param messages  the window's text map, filled by message()
-    UiTexts(const QString &langFile, const QString &group, QMap<QString, QString> &messages);
+    UiTexts(const QString &langFile, QString group, QMap<QString, QString> &messages);
 
     /// A caption: calls (object->*setText)(text) when the file has a text, otherwise leaves the form's own.
     template <typename Object, typename Base>

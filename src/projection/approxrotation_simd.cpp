@@ -14,9 +14,7 @@
 #include <hwy/highway.h>
 
 HWY_BEFORE_NAMESPACE();
-namespace projection
-{
-namespace HWY_NAMESPACE
+namespace projection::HWY_NAMESPACE
 {
 
 namespace hn = hwy::HWY_NAMESPACE;
@@ -90,8 +88,7 @@ void approximate(const ApproxScale &scale, const RotatedRow &row, const float *H
     out.uncertainCount = uncertainCount;
 }
 
-} // namespace HWY_NAMESPACE
-} // namespace projection
+} // namespace projection::HWY_NAMESPACE
 HWY_AFTER_NAMESPACE();
 
 #if HWY_ONCE

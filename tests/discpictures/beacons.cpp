@@ -55,6 +55,7 @@ std::vector<QPointF> beaconsOn(const QImage &map)
 {
     constexpr double fullTurn = 6.283185307179586;
     std::vector<QPointF> spots;
+    spots.reserve(places.size());
     for (const Place &place : places)
         spots.push_back(brightSpot(map, QPointF((0.5 + place.longitude / fullTurn) * map.width(),
                                                 (0.5 - 2.0 * place.latitude / fullTurn) * map.height())));
