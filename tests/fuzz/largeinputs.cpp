@@ -20,7 +20,7 @@ void writeInput(const QString &folder, const char *target, const char *name, con
 /// A list that holds a list that holds ..., as the toolkit writes it.
 QByteArray nestedLists(int depth)
 {
-    const QByteArray listOfOne = "\\0\\0\\0\\t\\0\\0\\0\\0\\x1";
+    const QByteArray listOfOne = R"(\0\0\0\t\0\0\0\0\x1)";
     return "[General]\nPenColor=@Variant(" + listOfOne.repeated(depth) + ")\nRadius=5\n";
 }
 
@@ -38,7 +38,7 @@ int main(int argc, char *argv[])
     if (argc != 2)
         qFatal("usage: largeinputs FOLDER");
     const QString folder = QFile::decodeName(argv[1]);
-    const QByteArray longLine = "[General]\nText=\"" + QByteArray(",\\x41\"\"a b").repeated(100000) + "\"\n";
+    const QByteArray longLine = "[General]\nText=\"" + QByteArray(R"(,\x41""a b)").repeated(100000) + "\"\n";
     writeInput(folder, "inifile", "lists-nested-200000-deep", nestedLists(200000));
     writeInput(folder, "inifile", "line-of-a-megabyte", longLine);
     writeInput(folder, "maps", "png-with-unfolding-texts", conversionOf(pngWithTexts(16)));
