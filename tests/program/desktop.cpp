@@ -1,7 +1,6 @@
 #include "desktop.h"
 #include "patience.h"
 
-#include <QElapsedTimer>
 #include <QtTest>
 
 #include <functional>

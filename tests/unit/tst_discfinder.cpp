@@ -206,7 +206,7 @@ void tst_DiscFinder::findsNothingWhereNoDiscIs()
 void tst_DiscFinder::answersStayTheSame()
 {
     QStringList changed;
-    auto known = std::begin(knownAnswers);
+    const KnownAnswer *known = std::begin(knownAnswers);
     for (const PictureKind kind : everyPictureKind) {
         for (int i = 0; i < picturesOfAKind; ++i) {
             const std::optional<FoundDisc> &found = answers(kind).at(static_cast<size_t>(i)).found;
