@@ -57,7 +57,8 @@ void MainWindow::addShortcuts()
     connect(add(QKeySequence::Save), &QShortcut::activated, ui->btnConvert, &QPushButton::click);
     connect(add(QKeySequence::HelpContents), &QShortcut::activated, this, &MainWindow::showManual);
     // The toolkit has one for this only where it knows the desktop.
-    connect(add(QKeySequence(QStringLiteral("Ctrl+Q"))), &QShortcut::activated, this, &MainWindow::close);
+    connect(add(QKeySequence::fromString(QStringLiteral("Ctrl+Q"))), &QShortcut::activated, this,
+            &MainWindow::close);
 }
 
 // In the language of the texts, as far as there is a manual in it. The program may lie in an unpacked archive, in an
