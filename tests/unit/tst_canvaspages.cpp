@@ -37,7 +37,10 @@ public:
     FreshMemory &operator=(const FreshMemory &) = delete;
 
     /// Bytes from the first page that lies wholly inside.
-    uint32_t *at(size_t offset) const { return reinterpret_cast<uint32_t *>(firstPage() + offset); }
+    uint32_t *at(size_t offset) const
+    {
+        return static_cast<uint32_t *>(static_cast<void *>(firstPage() + offset));
+    }
     PixelRange range(size_t offset, size_t bytes) const { return {at(offset), at(offset + bytes)}; }
 
     /// The pages that the process has, counted from the first, as far as the memory goes.
@@ -45,7 +48,7 @@ public:
     {
         const size_t pages = (m_bytes - m_pageBytes) / m_pageBytes;
         std::vector<unsigned char> resident(pages);
-        if (mincore(reinterpret_cast<void *>(firstPage()), pages * m_pageBytes, resident.data()) != 0)
+        if (mincore(firstPage(), pages * m_pageBytes, resident.data()) != 0)
             qFatal("mincore");
         std::vector<size_t> result;
         for (size_t i = 0; i < pages; ++i)
@@ -82,7 +85,11 @@ public:
 
 private:
     quintptr first() const { return reinterpret_cast<quintptr>(m_memory); }
-    quintptr firstPage() const { return (first() + m_pageBytes - 1) / m_pageBytes * m_pageBytes; }
+    char *firstPage() const
+    {
+        const size_t begun = first() % m_pageBytes;
+        return static_cast<char *>(m_memory) + (begun == 0 ? 0 : m_pageBytes - begun);
+    }
 
     size_t m_bytes;
     void *m_memory;
@@ -106,7 +113,7 @@ private slots:
 void tst_CanvasPages::bandGetsItsPagesAndNoOthers()
 {
     const FreshMemory memory(largeBytes);
-    const size_t page = size_t(sysconf(_SC_PAGESIZE));
+    const auto page = size_t(sysconf(_SC_PAGESIZE));
     const std::vector<size_t> before = memory.residentPages();
     CanvasPages(32 * megabyte) // the smallest that gets any
         .bandBegins({memory.range(4 * page + 8, 8), memory.range(10 * page, 3 * page),
@@ -121,7 +128,7 @@ void tst_CanvasPages::bandGetsItsPagesAndNoOthers()
 void tst_CanvasPages::neighbouringRangesShareAPage()
 {
     const FreshMemory memory(largeBytes);
-    const size_t page = size_t(sysconf(_SC_PAGESIZE));
+    const auto page = size_t(sysconf(_SC_PAGESIZE));
     CanvasPages(largeBytes)
         .bandBegins({memory.range(page, 100), memory.range(page + 200, page), memory.range(3 * page, 4),
                      memory.range(4 * page - 4, 8)});

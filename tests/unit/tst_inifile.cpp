@@ -544,8 +544,7 @@ void tst_IniFile::serializedObjectIsNeverDecoded_data()
     QTest::newRow("quoted") << QByteArray(R"x("@Variant(\0\0\0G\x10\0\0\0)")x");
     QTest::newRow("in a list") << QByteArray(R"(1, @Variant(\0\0\0G\x10\0\0\0), 2)");
     QTest::newRow("date") << QByteArray(R"(@DateTime(\0\0\0\x10\0\0\0))");
-    QTest::newRow("deep nesting") << "@Variant(" + QByteArray("\\0\\0\\0\\t\\0\\0\\0\\x1").repeated(200000) +
-                                         ')';
+    QTest::newRow("deep nesting") << "@Variant(" + QByteArray(R"(\0\0\0\t\0\0\0\x1)").repeated(200000) + ')';
 }
 
 void tst_IniFile::serializedObjectIsNeverDecoded()

@@ -199,7 +199,7 @@ void tst_IniText::lastValueOfAKeyCountsAndChanges()
 
 void tst_IniText::readsLongLinesInLinearTime()
 {
-    const QByteArray contents = "Text=\"" + QByteArray(",\\x41\"\"a b").repeated(1000000) + "\"\n" +
+    const QByteArray contents = "Text=\"" + QByteArray(R"(,\x41""a b)").repeated(1000000) + "\"\n" +
                                 QByteArray("K=1\n").repeated(500000);
     const qint64 begin = cpuMilliseconds();
     const IniText text(contents);

@@ -200,7 +200,7 @@ void tst_MapFile::littleMemoryLeavesOldMap()
     QImage image(8192, 8192, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     int refused = 0;
-    for (const rlim_t megabytes : {1, 20, 100, 300, 500, 700}) {
+    for (const rlim_t megabytes : std::initializer_list<rlim_t>{1, 20, 100, 300, 500, 700}) {
         writeFile(in("map"), "old map");
         const Answer answer = inChild([&] {
             const MemoryLimit limit(unlessSanitized(megabytes * mebibyte));

@@ -155,10 +155,10 @@ void tst_ParameterFile::serializedValuesAreHarmless_data()
 {
     // Each would end the program if the toolkit decoded it.
     QTest::addColumn<QByteArray>("value");
-    QTest::newRow("a polygon") << QByteArray("@Variant(\\0\\0\\0G\\x10\\0\\0\\0)");
-    QTest::newRow("with its mark escaped") << QByteArray("\\x40Variant(\\0\\0\\0G\\x10\\0\\0\\0)");
-    QTest::newRow("with its mark as an octal number") << QByteArray("\\100Variant(\\0\\0\\0G\\x10\\0\\0\\0)");
-    QTest::newRow("with its mark beyond 16 bits") << QByteArray("\\x10040Variant(\\0\\0\\0G\\x10\\0\\0\\0)");
+    QTest::newRow("a polygon") << QByteArray(R"(@Variant(\0\0\0G\x10\0\0\0))");
+    QTest::newRow("with its mark escaped") << QByteArray(R"(\x40Variant(\0\0\0G\x10\0\0\0))");
+    QTest::newRow("with its mark as an octal number") << QByteArray(R"(\100Variant(\0\0\0G\x10\0\0\0))");
+    QTest::newRow("with its mark beyond 16 bits") << QByteArray(R"(\x10040Variant(\0\0\0G\x10\0\0\0))");
 }
 
 void tst_ParameterFile::serializedValuesAreHarmless()

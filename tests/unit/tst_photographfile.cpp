@@ -8,6 +8,7 @@
 #include "photographs.h"
 #include "rng.h"
 
+#include <QColorSpace>
 #include <QImageReader>
 #include <QTemporaryDir>
 
