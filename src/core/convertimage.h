@@ -1,7 +1,7 @@
 #pragma once
 
 #include "conversionlistener.h"
-#include "nearsidedperspective.h"
+#include "nearsidedview.h"
 
 class QImage;
 

@@ -2,7 +2,7 @@
 
 #include "conversionlistener.h"
 #include "mapvalues.h"
-#include "nearsidedperspective.h"
+#include "nearsidedview.h"
 
 #include <QImage>
 

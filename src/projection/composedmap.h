@@ -2,7 +2,7 @@
 
 #include "approxrotation.h"
 #include "imageview.h"
-#include "nearsidedperspective.h"
+#include "nearsidedview.h"
 
 #include <functional>
 

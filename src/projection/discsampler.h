@@ -2,7 +2,7 @@
 
 #include "gather.h"
 #include "imageview.h"
-#include "nearsidedperspective.h"
+#include "nearsidedview.h"
 #include "premultiply.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "nearsidedperspective.h"
+#include "nearsidedview.h"
 
 #include <QPoint>
 #include <QSize>
@@ -256,4 +256,4 @@ void tst_NearSidedPerspective::tablesEndAtTheirLength()
 }
 
 QTEST_GUILESS_MAIN(tst_NearSidedPerspective)
-#include "tst_nearsidedperspective.moc"
+#include "tst_nearsidedview.moc"

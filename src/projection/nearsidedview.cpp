@@ -1,4 +1,4 @@
-#include "nearsidedperspective.h"
+#include "nearsidedview.h"
 
 #include "integers.h"
 
